@@ -1,0 +1,46 @@
+// The program's entry: a headless verb when one is named, otherwise the window.
+#include "verbs.h"
+
+#include <QtCore/QCommandLineParser>
+#include <QtCore/QCoreApplication>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setOrganizationName(u"Fenwright"_s);
+    QCoreApplication::setApplicationName(u"Trestle"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(TRESTLE_VERSION));
+
+    QCommandLineParser parser;
+    QString description = u"Trestle runs a construction company's back office.\n\nVerbs:"_s;
+    for (const Verbs::Verb &v : Verbs::all())
+        description +=
+            u"\n  "_s + QString::fromLatin1(v.name).leftJustified(12) + QLatin1StringView(v.summary);
+    parser.setApplicationDescription(description);
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addPositionalArgument(u"verb"_s, u"A verb to run without a window; none opens the window."_s,
+                                 u"[verb [arguments...]]"_s);
+    // Options after the verb belong to the verb.
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    parser.process(app);
+
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    QStringList args = parser.positionalArguments();
+    if (args.isEmpty()) {
+        err << "trestle: the window is not built yet; run a verb (see trestle --help)\n";
+        return 2;
+    }
+    const QString name = args.takeFirst();
+    const Verbs::Verb *verb = Verbs::find(name);
+    if (!verb) {
+        err << "trestle: unknown verb \"" << name << "\" (see trestle --help)\n";
+        return 2;
+    }
+    return verb->run(args, out, err);
+}

@@ -1,0 +1,112 @@
+#pragma once
+#include "dbindex.h"
+#include "rec.h"
+#include "recjson.h"
+
+#include <QtCore/QObject>
+
+#include <optional>
+#include <unordered_map>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+// The optional conditions of DB::list. An absent member means no filter; an
+// empty text is a real value that matches records holding the empty text.
+struct RecFilter
+{
+    std::optional<QString> project;
+    std::optional<QString> parent;
+    std::optional<QString> company; // absent: the current company
+};
+
+// The one record store: every record in SQLite and a complete copy in memory.
+// All reads come from memory; SQL only loads at start and writes through.
+// Every save, saveAll, remove and load emits changed() exactly once.
+class DB : public QObject
+{
+    Q_OBJECT
+public:
+    // Opens the store on the database file `path`, or a private in-memory
+    // store (which never touches the user defaults) when absent.
+    explicit DB(const std::optional<QString> &path = std::nullopt, QObject *parent = nullptr);
+    ~DB() override;
+    DB(const DB &) = delete;
+    DB &operator=(const DB &) = delete;
+
+    // The application's store on "trestle.sqlite" in the data folder.
+    static DB &shared();
+    // The private data folder, created (mode 0700) on first use.
+    static QString appFolder();
+
+    // --- records ---
+    // The record `id`, or nothing; the empty id gives nothing.
+    std::optional<Rec> get(const QString &id) const;
+    // A view of the stored record, valid until the next write; null when absent.
+    const Rec *find(const QString &id) const;
+    // Records of `kind` matching the filter, by `sort` then `created`.
+    QList<Rec> list(const QString &kind, const RecFilter &filter = {}) const;
+    // How many records of `kind` match the filter, without copying them.
+    qsizetype count(const QString &kind, const RecFilter &filter = {}) const;
+    void save(const Rec &rec);
+    void saveAll(const QList<Rec> &recs);
+    // Makes, saves and returns a new record (company: the current one when absent).
+    Rec add(const QString &kind, const QString &project, const QString &parent, const Fields &fields,
+            const std::optional<QString> &company = std::nullopt);
+    // Removes the record and everything that hangs from it by parent, or by
+    // project for a project, or by company for a company, with their files.
+    void remove(const QString &id);
+    // Calls `fn` for every record, in no particular order.
+    void forEach(const std::function<void(const Rec &)> &fn) const;
+    qsizetype size() const { return qsizetype(m_recs.size()); }
+
+    // --- stored files ---
+    bool inMemory() const { return m_inMemory; }
+    QString filesRoot() const { return m_filesRoot; }
+    // Location of a stored file of `company` (the current one when absent); creates the folder.
+    QString fileURL(const QString &name, const std::optional<QString> &company = std::nullopt) const;
+    // Copies an outside file into the current company's folder; its stored name, or nothing.
+    std::optional<QString> importFile(const QString &path) const;
+
+    // --- companies, users and the current selection ---
+    QString companyID() const { return m_companyID; }
+    QString userID() const { return m_userID; }
+    void setCompanyID(const QString &id);
+    void setUserID(const QString &id);
+    std::optional<Rec> company() const;
+    std::optional<Rec> user() const;
+    // The role in force: the current user's role, "Owner" when there is no user.
+    QString role() const;
+    // A new company with the default cost codes and one owner, made current.
+    Rec createCompany(const QString &name, const QString &owner, const QString &state);
+    // The display text of any record id (empty for a dangling reference).
+    QString label(const QString &id) const;
+    // The id of the cost code whose code is exactly `code`, or the empty text.
+    QString code(const QString &code) const;
+    // The current company's cost codes in code order.
+    QList<Rec> costCodes() const;
+
+Q_SIGNALS:
+    void changed();
+    void selectionChanged();
+    // A write did not reach the disk; the change stays in memory for this run.
+    void writeFailed(const QString &message);
+
+private:
+    void load();
+    bool write(const Rec &rec);
+    void put(const Rec &rec);
+    void exec(const char *sql);
+    void repairSelection();
+    template<class Fn> void eachMatch(const QString &kind, const RecFilter &filter, Fn &&fn) const;
+
+    std::unordered_map<QString, Rec> m_recs;
+    RecIndex m_index;
+    StringPool m_pool;
+    QString m_companyID;
+    QString m_userID;
+    sqlite3 *m_db = nullptr;
+    sqlite3_stmt *m_insert = nullptr;
+    bool m_inMemory = true;
+    QString m_filesRoot;
+};

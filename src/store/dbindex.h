@@ -1,0 +1,37 @@
+#pragma once
+#include "rec.h"
+
+#include <QtCore/QHash>
+#include <QtCore/QSet>
+
+// In-memory indexes over the store's records, kept in step with every write.
+// They only narrow the search: callers still test every condition on each
+// candidate, so a result is always exactly what a walk over all records gives.
+// Invariant: every stored record is in its company+kind bucket, in its project
+// bucket when `project` is not empty, and in its parent bucket when `parent`
+// is not empty; company records are also in `companies`.
+class RecIndex
+{
+public:
+    using Bucket = QSet<const Rec *>;
+
+    void add(const Rec *rec);
+    void remove(const Rec *rec);
+    void clear();
+
+    // The smallest bucket that holds every record matching the filter (the
+    // project and parent texts only when given). Null means "no record".
+    const Bucket *candidates(const QString &kind, const QString &company, const QString *project,
+                             const QString *parent) const;
+    const Bucket *byParent(const QString &parent) const;
+    const Bucket *byProject(const QString &project) const;
+    // Every company+kind bucket of one company.
+    QList<const Bucket *> byCompany(const QString &company) const;
+
+private:
+    static QString ckKey(const QString &company, const QString &kind);
+    QHash<QString, Bucket> m_ck;
+    QHash<QString, Bucket> m_project;
+    QHash<QString, Bucket> m_parent;
+    Bucket m_companies;
+};
