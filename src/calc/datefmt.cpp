@@ -61,6 +61,13 @@ QDate today()
     return fixed.isValid() ? fixed : QDate::currentDate();
 }
 
+QDateTime now()
+{
+    const QDateTime real = QDateTime::currentDateTime();
+    const QDate fixed = fixedToday();
+    return fixed.isValid() ? QDateTime(fixed, real.time()) : real;
+}
+
 void setToday(const QDate &date)
 {
     fixedToday() = date;

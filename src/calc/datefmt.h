@@ -1,5 +1,6 @@
 #pragma once
 #include <QtCore/QDate>
+#include <QtCore/QDateTime>
 #include <QtCore/QString>
 
 #include <optional>
@@ -17,6 +18,8 @@ QString show(const QString &text);
 
 // Today on this machine, or the day a test (or TRESTLE_TODAY) fixed.
 QDate today();
+// The current moment; on a fixed "today", that day at the current time of day.
+QDateTime now();
 // Fixes "today" for tests; an invalid date returns to the real clock.
 void setToday(const QDate &date);
 } // namespace DateFmt

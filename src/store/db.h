@@ -15,9 +15,9 @@ struct sqlite3_stmt;
 // empty text is a real value that matches records holding the empty text.
 struct RecFilter
 {
-    std::optional<QString> project;
-    std::optional<QString> parent;
-    std::optional<QString> company; // absent: the current company
+    std::optional<QString> project = std::nullopt;
+    std::optional<QString> parent = std::nullopt;
+    std::optional<QString> company = std::nullopt; // absent: the current company
 };
 
 // The one record store: every record in SQLite and a complete copy in memory.

@@ -1,0 +1,80 @@
+#pragma once
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+class DB;
+struct Rec;
+
+namespace Calc {
+
+// One priced line: a quantity times the price of one unit in cents.
+struct Line
+{
+    double qty = 0;
+    qint64 unit = 0;
+};
+
+struct EstimateTotals
+{
+    qint64 subtotal = 0;
+    qint64 markup = 0;
+    qint64 tax = 0;
+    qint64 total = 0;
+    bool operator==(const EstimateTotals &) const = default;
+};
+
+struct InvoiceTotals
+{
+    qint64 subtotal = 0;
+    qint64 tax = 0;
+    qint64 retainage = 0;
+    qint64 due = 0;
+    bool operator==(const InvoiceTotals &) const = default;
+};
+
+struct COTotals
+{
+    qint64 subtotal = 0;
+    qint64 markup = 0;
+    qint64 total = 0;
+    bool operator==(const COTotals &) const = default;
+};
+
+// What the contract summary needs of one owner change order.
+struct ContractCO
+{
+    QString status;
+    qint64 total = 0; // markup included
+    qint64 days = 0;
+};
+
+// Invariant: revised = original + approved; projected = revised + pending.
+struct ContractSummary
+{
+    qint64 original = 0;
+    qint64 approved = 0;
+    qint64 pending = 0;
+    qint64 revised = 0;
+    qint64 projected = 0;
+    qint64 daysAdded = 0; // approved owner change orders only
+    bool operator==(const ContractSummary &) const = default;
+};
+
+// round(qty × unit), rounded per line, halves away from zero.
+qint64 lineAmount(const Line &line);
+// Markup on the subtotal; tax on subtotal + markup.
+EstimateTotals estimateTotals(const QList<Line> &lines, double markupPct, double taxPct);
+// Tax and retainage both on the subtotal; due = subtotal + tax − retainage.
+InvoiceTotals invoiceTotals(const QList<Line> &lines, double taxPct, double retPct);
+// Approved and pending owner change orders against the original contract.
+ContractSummary contractSummary(qint64 original, const QList<ContractCO> &cos);
+
+} // namespace Calc
+
+// Store readers: gather the document's lines and call the pure functions.
+Calc::EstimateTotals estimateTotals(const DB &db, const Rec &estimate);
+Calc::InvoiceTotals invoiceTotals(const DB &db, const Rec &invoice);
+Calc::COTotals coTotals(const DB &db, const Rec &co);
+qint64 poTotal(const DB &db, const Rec &po);
+// The project's contract with its owner change orders.
+Calc::ContractSummary contract(const DB &db, const Rec &project);
