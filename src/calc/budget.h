@@ -35,6 +35,7 @@ struct BudgetSummary
     BudgetRow total;
 };
 
+// One job-cost row of a cost code.
 struct CostRow
 {
     qint64 budget = 0; // the revised budget
@@ -51,7 +52,9 @@ struct JobCost
     CostRow total;
 };
 
-BudgetSummary budgetSummary(const QList<std::pair<QString, qint64>> &lines, const QList<BudgetCOLine> &coLines);
+// Budget lines first, then change-order lines, each code's row made on first sight.
+BudgetSummary budgetSummary(const QList<std::pair<QString, qint64>> &lines,
+                            const QList<BudgetCOLine> &coLines);
 
 } // namespace Calc
 

@@ -7,7 +7,6 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -23,6 +22,16 @@ QString group(const QString &digits)
         out.append(digits.at(k));
     }
     return out;
+}
+
+// printf's "%.Nf" in the C locale: the exact binary value rounded half to even.
+// Not printf itself, whose decimal point follows the process locale, and not
+// QString::asprintf, which rounds halves away from zero.
+QString fixed(double value, int decimals)
+{
+    char buf[400];
+    auto [ptr, ec] = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::fixed, decimals);
+    return QString::fromLatin1(buf, ec == std::errc() ? ptr - buf : 0);
 }
 } // namespace
 
@@ -54,10 +63,8 @@ QString qty(double value)
 {
     if (!std::isfinite(value))
         return num(value);
-    // printf rounds the exact binary value, ties to even, as a decimal formatter does.
-    char buf[400];
-    std::snprintf(buf, sizeof buf, "%.2f", value);
-    QString s = QString::fromLatin1(buf);
+    // Rounds the exact binary value, ties to even, as a decimal formatter does.
+    QString s = fixed(value, 2);
     if (s.contains(u'.')) {
         while (s.endsWith(u'0'))
             s.chop(1);
@@ -88,10 +95,10 @@ QString shortMoney(double dollars)
 {
     const double mag = std::fabs(dollars);
     if (mag >= 1e6)
-        return QString::asprintf("$%.1fM", dollars / 1e6);
+        return u'$' + fixed(dollars / 1e6, 1) + u'M';
     if (mag >= 1000)
-        return QString::asprintf("$%.0fK", dollars / 1000);
-    return QString::asprintf("$%.0f", dollars);
+        return u'$' + fixed(dollars / 1000, 0) + u'K';
+    return u'$' + fixed(dollars, 0);
 }
 
 } // namespace Fmt

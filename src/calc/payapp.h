@@ -31,6 +31,7 @@ struct PayRow
     qint64 retMat = 0;
 };
 
+// Column sums of the continuation sheet, each a sum of rounded rows.
 struct PayTotals
 {
     qint64 scheduled = 0;
@@ -60,8 +61,8 @@ struct PayApp
 
 // The arithmetic of one application from its lines, its two retainage
 // percentages, the contract figures and line 6 of the previous application.
-PayApp payApp(const QList<PayLine> &lines, double retWorkPct, double retMatPct, qint64 original, qint64 approved,
-              qint64 previousL6);
+PayApp payApp(const QList<PayLine> &lines, double retWorkPct, double retMatPct, qint64 original,
+              qint64 approved, qint64 previousL6);
 
 } // namespace Calc
 

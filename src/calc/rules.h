@@ -11,6 +11,7 @@ struct Rec;
 
 namespace Calc {
 
+// One bidder's price for a bid package.
 struct Bid
 {
     QString bidder;
@@ -19,6 +20,7 @@ struct Bid
     bool operator==(const Bid &) const = default;
 };
 
+// Bids ranked for comparison, with the spread from lowest to highest and the low bid.
 struct LeveledBids
 {
     QList<Bid> ranked; // ascending by base + plugs, ties in input order
@@ -26,12 +28,14 @@ struct LeveledBids
     std::optional<Bid> low;
 };
 
+// Where an insurance or licence document stands against its expiry.
 struct Compliance
 {
     QString status; // "missing", "expired", "expiring" or "ok"
     qint64 days = 0;
 };
 
+// Ranks bids by base + plugs, keeping the entry order of equal amounts.
 LeveledBids levelBids(const QList<Bid> &bids);
 // Whole calendar days from `now`'s day to `expires`, judged against `warnDays`.
 Compliance complianceStatus(const std::optional<QDate> &expires, const QDate &now, int warnDays);

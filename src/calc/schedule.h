@@ -19,6 +19,7 @@ struct Task
     std::optional<qint64> fixedStart;
 };
 
+// Day numbers from the base date; finish is the day after the last day.
 struct Span
 {
     qint64 start = 0;
@@ -31,6 +32,7 @@ QHash<QString, Span> schedule(const QList<Task> &tasks);
 
 } // namespace Calc
 
+// A task's dates on the calendar.
 struct DateSpan
 {
     QDate start;

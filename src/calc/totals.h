@@ -14,6 +14,7 @@ struct Line
     qint64 unit = 0;
 };
 
+// An estimate's figures: markup on the subtotal, tax on subtotal + markup.
 struct EstimateTotals
 {
     qint64 subtotal = 0;
@@ -23,6 +24,7 @@ struct EstimateTotals
     bool operator==(const EstimateTotals &) const = default;
 };
 
+// An invoice's figures: tax and retainage both on the subtotal.
 struct InvoiceTotals
 {
     qint64 subtotal = 0;
@@ -32,6 +34,7 @@ struct InvoiceTotals
     bool operator==(const InvoiceTotals &) const = default;
 };
 
+// A change order's figures: no tax; a credit has a negative markup.
 struct COTotals
 {
     qint64 subtotal = 0;

@@ -203,6 +203,8 @@ void addField(QList<ModuleDef> &out)
             {u"status"_s, u"Status"_s,
              FT::makeChoice({u"Open"_s, u"Leveling"_s, u"Awarded"_s, u"Cancelled"_s})},
             {u"scope"_s, u"Scope / inclusions"_s, FT::of(FT::longText)},
+        };
+        m.lineFields = {
             {u"bidder"_s, u"Bidder"_s, FT::makeRef(u"contact"_s)},
             {u"base"_s, u"Base bid"_s, FT::of(FT::money)},
             {u"plugs"_s, u"Plugs for exclusions"_s, FT::of(FT::money)},

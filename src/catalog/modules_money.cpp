@@ -44,6 +44,8 @@ void addMoney(QList<ModuleDef> &out)
             {u"markup"_s, u"Markup %"_s, FT::of(FT::percent)},
             {u"tax"_s, u"Tax %"_s, FT::of(FT::percent)},
             {u"terms"_s, u"Proposal terms / exclusions"_s, FT::of(FT::longText)},
+        };
+        m.lineFields = {
             {u"description"_s, u"Description"_s, FT::of(FT::text)},
             {u"costCode"_s, u"Cost code"_s, FT::makeRef(u"cost_code"_s)},
             {u"qty"_s, u"Qty"_s, FT::of(FT::number)},
@@ -61,6 +63,8 @@ void addMoney(QList<ModuleDef> &out)
             {u"name"_s, u"Assembly name"_s, FT::of(FT::text)},
             {u"unit"_s, u"Per unit of (SF, LF, EA …)"_s, FT::of(FT::text)},
             {u"notes"_s, u"Notes"_s, FT::of(FT::longText)},
+        };
+        m.lineFields = {
             {u"description"_s, u"Item"_s, FT::of(FT::text)},
             {u"costCode"_s, u"Cost code"_s, FT::makeRef(u"cost_code"_s)},
             {u"qtyPer"_s, u"Qty per unit"_s, FT::of(FT::number)},
@@ -94,6 +98,8 @@ void addMoney(QList<ModuleDef> &out)
             {u"markup"_s, u"Markup %"_s, FT::of(FT::percent)},
             {u"days"_s, u"Schedule days added"_s, FT::of(FT::number)},
             {u"reason"_s, u"Reason / description"_s, FT::of(FT::longText)},
+        };
+        m.lineFields = {
             {u"description"_s, u"Description"_s, FT::of(FT::text)},
             {u"costCode"_s, u"Cost code"_s, FT::makeRef(u"cost_code"_s)},
             {u"amount"_s, u"Amount (negative = credit)"_s, FT::of(FT::money)},
@@ -114,6 +120,8 @@ void addMoney(QList<ModuleDef> &out)
             {u"costCode"_s, u"Default cost code"_s, FT::makeRef(u"cost_code"_s)},
             {u"deliver"_s, u"Deliver by"_s, FT::of(FT::date)},
             {u"notes"_s, u"Notes"_s, FT::of(FT::longText)},
+        };
+        m.lineFields = {
             {u"description"_s, u"Item"_s, FT::of(FT::text)},
             {u"costCode"_s, u"Cost code"_s, FT::makeRef(u"cost_code"_s)},
             {u"qty"_s, u"Qty"_s, FT::of(FT::number)},
@@ -167,6 +175,8 @@ void addMoney(QList<ModuleDef> &out)
             {u"tax"_s, u"Tax %"_s, FT::of(FT::percent)},
             {u"ret"_s, u"Retainage %"_s, FT::of(FT::percent)},
             {u"notes"_s, u"Notes"_s, FT::of(FT::longText)},
+        };
+        m.lineFields = {
             {u"description"_s, u"Description"_s, FT::of(FT::text)},
             {u"qty"_s, u"Qty"_s, FT::of(FT::number)},
             {u"unitPrice"_s, u"Unit price"_s, FT::of(FT::money)},

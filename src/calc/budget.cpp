@@ -1,0 +1,126 @@
+#include "budget.h"
+
+#include "money.h"
+#include "rules.h"
+#include "store/db.h"
+#include "totals.h"
+
+using namespace Qt::StringLiterals;
+
+namespace Calc {
+
+BudgetSummary budgetSummary(const QList<std::pair<QString, qint64>> &lines,
+                            const QList<BudgetCOLine> &coLines)
+{
+    BudgetSummary s;
+    auto rowOf = [&s](const QString &code) -> BudgetRow & {
+        auto it = s.rows.find(code);
+        if (it == s.rows.end()) {
+            s.order.append(code);
+            it = s.rows.insert(code, BudgetRow{});
+        }
+        return *it;
+    };
+    for (const auto &[code, amount] : lines) {
+        BudgetRow &row = rowOf(code);
+        row.original = Money::add(row.original, amount);
+    }
+    for (const BudgetCOLine &line : coLines) {
+        // The row appears even for a rejected or draft change order, so the code shows.
+        BudgetRow &row = rowOf(line.code);
+        if (line.status == u"approved")
+            row.approved = Money::add(row.approved, line.amount);
+        else if (line.status == u"pending")
+            row.pending = Money::add(row.pending, line.amount);
+    }
+    for (const QString &code : std::as_const(s.order)) {
+        BudgetRow &row = s.rows[code];
+        row.revised = Money::add(row.original, row.approved);
+        row.projected = Money::add(row.revised, row.pending);
+        s.total.original = Money::add(s.total.original, row.original);
+        s.total.approved = Money::add(s.total.approved, row.approved);
+        s.total.pending = Money::add(s.total.pending, row.pending);
+        s.total.revised = Money::add(s.total.revised, row.revised);
+        s.total.projected = Money::add(s.total.projected, row.projected);
+    }
+    return s;
+}
+
+} // namespace Calc
+
+Calc::BudgetSummary budget(const DB &db, const QString &projectId)
+{
+    QList<std::pair<QString, qint64>> lines;
+    for (const Rec &r : db.list(u"budget_line"_s, {.project = projectId}))
+        lines.append({r.f[u"costCode"], r.i(u"original")});
+    // Owner and sub change orders alike move the cost budget; markup is revenue and stays out.
+    QList<Calc::BudgetCOLine> coLines;
+    for (const Rec &co : db.list(u"co"_s, {.project = projectId})) {
+        const QString status = co.f[u"status"];
+        for (const Rec &line : db.list(u"co_line"_s, {.parent = co.id}))
+            coLines.append({line.f[u"costCode"], line.i(u"amount"), status});
+    }
+    return Calc::budgetSummary(lines, coLines);
+}
+
+Calc::JobCost jobCost(const DB &db, const QString &projectId)
+{
+    Calc::JobCost jc;
+    auto rowOf = [&jc](const QString &code) -> Calc::CostRow & {
+        auto it = jc.rows.find(code);
+        if (it == jc.rows.end()) {
+            jc.order.append(code);
+            it = jc.rows.insert(code, Calc::CostRow{});
+        }
+        return *it;
+    };
+
+    // Costs are measured against the revised budget; pending exposure is not budget yet.
+    const Calc::BudgetSummary b = budget(db, projectId);
+    for (const QString &code : b.order)
+        rowOf(code).budget = b.rows.value(code).revised;
+
+    // A purchase order commits its whole value once issued, whatever has been billed against it.
+    static const QStringList committing = {u"Issued"_s, u"Received"_s, u"Closed"_s};
+    for (const Rec &po : db.list(u"po"_s, {.project = projectId})) {
+        if (!committing.contains(po.f[u"status"]))
+            continue;
+        const QString poCode = po.f[u"costCode"];
+        for (const Rec &line : db.list(u"po_line"_s, {.parent = po.id})) {
+            QString code = line.f[u"costCode"];
+            if (code.isEmpty())
+                code = poCode;
+            Calc::CostRow &row = rowOf(code);
+            row.committed =
+                Money::add(row.committed, Calc::lineAmount({line.d(u"qty"), line.i(u"unitCost")}));
+        }
+    }
+
+    for (const Rec &bill : db.list(u"expense"_s, {.project = projectId})) {
+        Calc::CostRow &row = rowOf(bill.f[u"costCode"]);
+        row.actual = Money::add(row.actual, bill.i(u"amount"));
+    }
+
+    // Labour at the timecard's own rate: the worker's rate when the card was filled.
+    for (const Rec &card : db.list(u"timecard"_s, {.project = projectId})) {
+        const double hours = Calc::shiftHours(card.f[u"in"], card.f[u"out"], card.i(u"break"));
+        Calc::CostRow &row = rowOf(card.f[u"costCode"]);
+        row.actual = Money::add(row.actual, Money::fromDouble(hours * double(card.i(u"rate"))));
+    }
+
+    // A log without a known machine still shows its code, at no cost.
+    for (const Rec &log : db.list(u"equip_log"_s, {.project = projectId})) {
+        const Rec *machine = db.find(log.f[u"equipment"]);
+        const qint64 rate = machine ? machine->i(u"rate") : 0;
+        Calc::CostRow &row = rowOf(log.f[u"costCode"]);
+        row.actual = Money::add(row.actual, Money::fromDouble(log.d(u"hours") * double(rate)));
+    }
+
+    for (const QString &code : std::as_const(jc.order)) {
+        const Calc::CostRow &row = jc.rows[code];
+        jc.total.budget = Money::add(jc.total.budget, row.budget);
+        jc.total.committed = Money::add(jc.total.committed, row.committed);
+        jc.total.actual = Money::add(jc.total.actual, row.actual);
+    }
+    return jc;
+}

@@ -1,0 +1,19 @@
+#pragma once
+#include "calc/totals.h"
+
+class DB;
+struct Rec;
+
+// The money position of one project, computed afresh on every call.
+struct ProjectFigures
+{
+    Calc::ContractSummary contract;
+    qint64 billed = 0;    // line 4 of the latest pay application + invoice subtotals
+    qint64 retainage = 0; // line 5 of the latest pay application
+    qint64 paid = 0;      // payments received
+    qint64 cost = 0;      // actual job cost
+    qint64 budget = 0;    // the revised budget
+
+    // The figures of `project`.
+    static ProjectFigures of(const DB &db, const Rec &project);
+};

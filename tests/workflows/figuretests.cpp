@@ -1,0 +1,181 @@
+// Project figures and the alerts of the Command Hub.
+#include "shop.h"
+#include "testmain.h"
+#include "workflows/alerts.h"
+#include "workflows/figures.h"
+
+#include "calc/payapp.h"
+
+using namespace Qt::StringLiterals;
+using TestShop::Shop;
+
+namespace {
+const QDateTime kNow(TestShop::kToday, QTime(10, 0));
+
+Fields fieldsOf(const QStringList &pairs)
+{
+    Fields f;
+    for (const QString &p : pairs)
+        f.insert(p.section(u'=', 0, 0), p.section(u'=', 1));
+    return f;
+}
+
+QStringList texts(const QList<HubAlert> &alerts)
+{
+    QStringList out;
+    for (const HubAlert &a : alerts)
+        out.append(a.text);
+    return out;
+}
+} // namespace
+
+class FigureTests : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase() { DateFmt::setToday(TestShop::kToday); }
+    void cleanupTestCase() { DateFmt::setToday(QDate()); }
+
+    void figures()
+    {
+        Shop s;
+        QCOMPARE(ProjectFigures::of(s.db, s.project).billed, 0);
+        const Rec line = s.sov(1000000, 1);
+        const Rec first = s.payApp(1, u"10"_s, u"paid"_s);
+        setPayLine(s.db, first, line.id, 300000, std::nullopt);
+        const Rec latest = s.payApp(2); // a draft counts
+        setPayLine(s.db, latest, line.id, 200000, std::nullopt);
+        s.db.add(u"pay_app"_s, s.project.id, {}, {{u"number"_s, u"2"_s}}); // not the first of the highest
+
+        for (const auto &[status, price] :
+             {std::pair{u"Sent"_s, 100000}, {u"Void"_s, 50000}, {u"Draft"_s, 20000}}) {
+            const Rec inv =
+                s.db.add(u"invoice"_s, s.project.id, {}, {{u"status"_s, status}, {u"tax"_s, u"5"_s}});
+            s.db.add(u"inv_line"_s, s.project.id, inv.id,
+                     {{u"qty"_s, u"1"_s}, {u"unitPrice"_s, QString::number(price)}});
+        }
+        for (const auto &[direction, amount] : {std::pair{u"Received"_s, 90000},
+                                                {u"Paid out"_s, 40000},
+                                                {u"received"_s, 7},
+                                                {u"Received"_s, 10000}})
+            s.db.add(u"payment"_s, s.project.id, {},
+                     {{u"direction"_s, direction}, {u"amount"_s, QString::number(amount)}});
+        s.db.add(u"budget_line"_s, s.project.id, {}, {{u"original"_s, u"400000"_s}});
+        s.db.add(u"expense"_s, s.project.id, {}, {{u"amount"_s, u"12345"_s}});
+
+        const ProjectFigures f = ProjectFigures::of(s.db, s.project);
+        QCOMPARE(f.contract.original, 1000000);
+        QCOMPARE(f.billed, 500000 + 100000 + 20000); // cumulative line 4, invoice subtotals without tax
+        QCOMPARE(f.retainage, 50000);
+        QCOMPARE(f.paid, 100000);
+        QCOMPARE(f.cost, 12345);
+        QCOMPARE(f.budget, 400000);
+    }
+
+    void alert_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QStringList>("fields");
+        QTest::addColumn<QStringList>("want");
+        const QStringList none;
+        QTest::newRow("RFI due yesterday")
+            << u"rfi"_s
+            << QStringList{u"status=Open"_s, u"due=2026-11-14"_s, u"number=3"_s, u"subject=Door"_s}
+            << QStringList{u"RFI #3 overdue: Door"_s};
+        QTest::newRow("RFI due today")
+            << u"rfi"_s << QStringList{u"status=Open"_s, u"due=2026-11-15"_s} << none;
+        QTest::newRow("answered RFI")
+            << u"rfi"_s << QStringList{u"status=Answered"_s, u"due=2026-01-01"_s} << none;
+        QTest::newRow("certificate expires today")
+            << u"compliance"_s << QStringList{u"docType=Auto COI"_s, u"expires=2026-11-15"_s}
+            << QStringList{u"Sparks: Auto COI expires in 0d"_s};
+        QTest::newRow("certificate expired yesterday")
+            << u"compliance"_s << QStringList{u"docType=W-9"_s, u"expires=2026-11-14T08:00"_s}
+            << QStringList{u"Sparks: W-9 EXPIRED 1d ago"_s};
+        QTest::newRow("certificate in 31 days")
+            << u"compliance"_s << QStringList{u"expires=2026-12-16"_s} << none;
+        QTest::newRow("certificate without date")
+            << u"compliance"_s << QStringList{u"expires=soon"_s} << none;
+        QTest::newRow("pending CO") << u"co"_s
+                                    << QStringList{u"status=pending"_s, u"number=2"_s, u"title=Extra"_s,
+                                                   u"markup=10"_s}
+                                    << QStringList{u"CO #2 pending: Extra ($110.00)"_s};
+        QTest::newRow("approved CO") << u"co"_s << QStringList{u"status=approved"_s} << none;
+        QTest::newRow("equipment without service") << u"equipment"_s << QStringList{u"name=Loader"_s} << none;
+        QTest::newRow("service a year ago")
+            << u"equipment"_s << QStringList{u"name=Loader"_s, u"service=2025-11-15"_s}
+            << QStringList{u"Loader service due Nov 15, 2025"_s};
+        QTest::newRow("service in 13 days")
+            << u"equipment"_s << QStringList{u"name=Lift"_s, u"service=2026-11-28"_s}
+            << QStringList{u"Lift service due Nov 28, 2026"_s};
+        QTest::newRow("service in 15 days") << u"equipment"_s << QStringList{u"service=2026-11-30"_s} << none;
+        QTest::newRow("submittal late")
+            << u"submittal"_s
+            << QStringList{u"status=Submitted"_s, u"due=2026-11-01"_s, u"number=9"_s, u"title=Glass"_s}
+            << QStringList{u"Submittal #9 late: Glass"_s};
+        QTest::newRow("submittal approved")
+            << u"submittal"_s << QStringList{u"status=Approved"_s, u"due=2026-11-01"_s} << none;
+        QTest::newRow("bids due in 8 days")
+            << u"bid_package"_s << QStringList{u"status=Open"_s, u"due=2026-11-23"_s} << none;
+        QTest::newRow("bids due in 3 days")
+            << u"bid_package"_s << QStringList{u"status=Open"_s, u"due=2026-11-18"_s, u"title=Framing"_s}
+            << QStringList{u"Bids due Nov 18, 2026: Framing"_s};
+        QTest::newRow("bids past due")
+            << u"bid_package"_s << QStringList{u"status=Open"_s, u"due=2026-10-01"_s, u"title=Roof"_s}
+            << QStringList{u"Bids due Oct 1, 2026: Roof"_s};
+        QTest::newRow("awarded package")
+            << u"bid_package"_s << QStringList{u"status=Awarded"_s, u"due=2026-10-01"_s} << none;
+    }
+    void alert()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QStringList, fields);
+        QFETCH(QStringList, want);
+        Shop s;
+        Fields f = fieldsOf(fields);
+        if (kind == u"compliance")
+            f.insert(u"contact"_s, s.db.add(u"contact"_s, {}, {}, {{u"name"_s, u"Sparks"_s}}).id);
+        const Rec r = s.db.add(kind, s.project.id, {}, f);
+        if (kind == u"co")
+            s.db.add(u"co_line"_s, s.project.id, r.id, {{u"amount"_s, u"10000"_s}});
+        QCOMPARE(texts(Alerts::all(s.db, s.project.id, kNow)), want);
+    }
+
+    // Families in a fixed order; company records on every project's view.
+    void orderAndScope()
+    {
+        Shop s;
+        const Rec other = s.db.add(u"project"_s, {}, {}, {});
+        auto add = [&](const QString &kind, const QString &project, const QStringList &fields) {
+            return s.db.add(kind, project, {}, fieldsOf(fields));
+        };
+        add(u"bid_package"_s, s.project.id, {u"status=Open"_s, u"due=2026-11-15"_s, u"title=B"_s});
+        const Rec rfi = add(u"rfi"_s, s.project.id, {u"status=Open"_s, u"due=2026-11-01"_s, u"number=1"_s});
+        add(u"rfi"_s, other.id, {u"status=Open"_s, u"due=2026-11-01"_s, u"number=2"_s});
+        const Rec machine = add(u"equipment"_s, {}, {u"name=Crane"_s, u"service=2026-11-16"_s});
+        add(u"compliance"_s, {}, {u"docType=A"_s, u"expires=2026-11-20"_s});
+        add(u"compliance"_s, {}, {u"docType=B"_s, u"expires=2026-01-01"_s});
+
+        const QList<HubAlert> mine = Alerts::all(s.db, s.project.id, kNow);
+        QCOMPARE(texts(mine),
+                 (QStringList{u": A expires in 5d"_s, u": B EXPIRED 318d ago"_s, u"RFI #1 overdue: "_s,
+                              u"Crane service due Nov 16, 2026"_s, u"Bids due Nov 15, 2026: B"_s}));
+        QCOMPARE(mine.at(0).color, AlertColor::orange);
+        QCOMPARE(mine.at(1).color, AlertColor::red);
+        QCOMPARE(mine.at(1).symbol, u"shield.slash.fill"_s);
+        QCOMPARE(mine.at(2).record, rfi.id);
+        QCOMPARE(mine.at(2).project, s.project.id);
+        QCOMPARE(mine.at(2).module, u"rfis"_s);
+        QCOMPARE(mine.at(3).record, machine.id);
+        QCOMPARE(mine.at(3).project, std::nullopt);
+        QCOMPARE(mine.at(4).color, AlertColor::blue);
+        QVERIFY(mine.at(0).id != Alerts::all(s.db, s.project.id, kNow).at(0).id);
+
+        const QStringList company = texts(Alerts::all(s.db, std::nullopt, kNow));
+        QCOMPARE(company.size(), 6);
+        QCOMPARE(company.at(3), u"RFI #2 overdue: "_s);
+    }
+};
+
+TRESTLE_TEST(FigureTests);
+#include "figuretests.moc"
