@@ -96,25 +96,25 @@ Calc::JobCost jobCost(const DB &db, const QString &projectId)
         }
     }
 
-    for (const Rec &bill : db.list(u"expense"_s, {.project = projectId})) {
+    db.visit(u"expense"_s, {.project = projectId}, [&](const Rec &bill) {
         Calc::CostRow &row = rowOf(bill.f[u"costCode"]);
         row.actual = Money::add(row.actual, bill.i(u"amount"));
-    }
+    });
 
     // Labour at the timecard's own rate: the worker's rate when the card was filled.
-    for (const Rec &card : db.list(u"timecard"_s, {.project = projectId})) {
+    db.visit(u"timecard"_s, {.project = projectId}, [&](const Rec &card) {
         const double hours = Calc::shiftHours(card.f[u"in"], card.f[u"out"], card.i(u"break"));
         Calc::CostRow &row = rowOf(card.f[u"costCode"]);
         row.actual = Money::add(row.actual, Money::fromDouble(hours * double(card.i(u"rate"))));
-    }
+    });
 
     // A log without a known machine still shows its code, at no cost.
-    for (const Rec &log : db.list(u"equip_log"_s, {.project = projectId})) {
+    db.visit(u"equip_log"_s, {.project = projectId}, [&](const Rec &log) {
         const Rec *machine = db.find(log.f[u"equipment"]);
         const qint64 rate = machine ? machine->i(u"rate") : 0;
         Calc::CostRow &row = rowOf(log.f[u"costCode"]);
         row.actual = Money::add(row.actual, Money::fromDouble(log.d(u"hours") * double(rate)));
-    }
+    });
 
     for (const QString &code : std::as_const(jc.order)) {
         const Calc::CostRow &row = jc.rows[code];

@@ -8,6 +8,8 @@
 
 #include <sqlite3.h>
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -41,17 +43,21 @@ DB::DB(const std::optional<QString> &path, QObject *parent)
 
 DB::~DB()
 {
-    sqlite3_finalize(m_insert);
-    sqlite3_close(m_db);
+    closeConnection();
     if (m_inMemory)
         QDir(m_filesRoot).removeRecursively();
 }
 
 DB &DB::shared()
 {
-    // Destroyed at exit, which closes the connection and folds the WAL back in.
-    static DB instance(QDir(appFolder()).filePath(u"trestle.sqlite"_s));
-    return instance;
+    // Never destroyed: freeing years of records would only slow down every
+    // quit. The connection is closed at exit so the WAL is folded back in.
+    static DB *instance = [] {
+        auto *db = new DB(QDir(appFolder()).filePath(u"trestle.sqlite"_s));
+        std::atexit([] { instance->closeConnection(); });
+        return db;
+    }();
+    return *instance;
 }
 
 QString DB::appFolder()
@@ -70,6 +76,14 @@ QString DB::appFolder()
     return folder;
 }
 
+void DB::closeConnection()
+{
+    sqlite3_finalize(m_insert);
+    m_insert = nullptr;
+    sqlite3_close(m_db);
+    m_db = nullptr;
+}
+
 void DB::exec(const char *sql)
 {
     sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr);
@@ -77,8 +91,19 @@ void DB::exec(const char *sql)
 
 void DB::load()
 {
-    std::unordered_map<QString, Rec> map;
+    std::unordered_map<QString, StoredRec> map;
+    // Shares repeated texts while loading; dropped afterwards, since the texts
+    // themselves stay shared between the records that hold them.
+    StringPool pool;
     sqlite3_stmt *stmt = nullptr;
+    if (sqlite3_prepare_v2(m_db, "SELECT count(*) FROM recs", -1, &stmt, nullptr) == SQLITE_OK &&
+        sqlite3_step(stmt) == SQLITE_ROW) {
+        const qint64 rows = sqlite3_column_int64(stmt, 0);
+        map.reserve(size_t(rows));
+        pool.reserve(qsizetype(rows / 4));
+    }
+    sqlite3_finalize(stmt);
+    stmt = nullptr;
     if (sqlite3_prepare_v2(m_db, "SELECT json FROM recs", -1, &stmt, nullptr) == SQLITE_OK) {
         while (sqlite3_step(stmt) == SQLITE_ROW) {
             const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(stmt, 0));
@@ -86,17 +111,19 @@ void DB::load()
                 continue;
             const int bytes = sqlite3_column_bytes(stmt, 0);
             // A row that does not decode is left in the table untouched.
-            if (auto rec = RecJSON::decode(QByteArrayView(text, bytes), &m_pool)) {
+            if (auto rec = RecJSON::decode(QByteArrayView(text, bytes), &pool)) {
                 const QString id = rec->id;
-                map.insert_or_assign(id, std::move(*rec));
+                StoredRec stored{std::move(*rec)};
+                readSortKey(stored);
+                map.insert_or_assign(id, std::move(stored));
             }
         }
     }
     sqlite3_finalize(stmt);
     m_recs = std::move(map);
     m_index.clear();
-    for (const auto &[id, rec] : m_recs)
-        m_index.add(&rec);
+    for (const auto &[id, stored] : m_recs)
+        m_index.add(&stored);
     Q_EMIT changed();
 }
 
@@ -128,21 +155,37 @@ bool DB::write(const Rec &rec)
     return true;
 }
 
+void DB::readSortKey(StoredRec &stored)
+{
+    const QString text = stored.rec.f.value(u"sort");
+    stored.sortBad = false;
+    if (text.isEmpty()) {
+        stored.sort = 0;
+    } else if (auto v = RecText::parseInt(text)) {
+        stored.sort = *v;
+    } else {
+        const double d = RecText::parseDouble(text).value_or(0.0);
+        stored.sortBad = !(std::isfinite(d) && d < 9223372036854775808.0 && d >= -9223372036854775808.0);
+        stored.sort = stored.sortBad ? 0 : static_cast<qint64>(d);
+    }
+}
+
 void DB::put(const Rec &rec)
 {
     auto it = m_recs.find(rec.id);
     if (it == m_recs.end()) {
-        it = m_recs.emplace(rec.id, rec).first;
+        it = m_recs.emplace(rec.id, StoredRec{rec}).first;
     } else {
         m_index.remove(&it->second);
-        it->second = rec;
+        it->second.rec = rec;
     }
-    Rec &stored = it->second;
+    StoredRec &stored = it->second;
     // Share the texts that many records repeat.
-    stored.kind = m_pool.intern(stored.kind);
-    stored.company = m_pool.intern(stored.company);
-    stored.project = m_pool.intern(stored.project);
-    stored.parent = m_pool.intern(stored.parent);
+    stored.rec.kind = m_pool.intern(stored.rec.kind);
+    stored.rec.company = m_pool.intern(stored.rec.company);
+    stored.rec.project = m_pool.intern(stored.rec.project);
+    stored.rec.parent = m_pool.intern(stored.rec.parent);
+    readSortKey(stored);
     m_index.add(&stored);
 }
 
@@ -158,7 +201,7 @@ const Rec *DB::find(const QString &id) const
     if (id.isEmpty())
         return nullptr;
     auto it = m_recs.find(id);
-    return it == m_recs.end() ? nullptr : &it->second;
+    return it == m_recs.end() ? nullptr : &it->second.rec;
 }
 
 template<class Fn> void DB::eachMatch(const QString &kind, const RecFilter &filter, Fn &&fn) const
@@ -170,7 +213,8 @@ template<class Fn> void DB::eachMatch(const QString &kind, const RecFilter &filt
     if (!bucket)
         return;
     const bool anyCompany = kind == u"company";
-    for (const Rec *r : *bucket) {
+    for (const StoredRec *s : *bucket) {
+        const Rec *r = &s->rec;
         if (r->kind != kind)
             continue;
         if (!anyCompany && r->company != company)
@@ -179,38 +223,59 @@ template<class Fn> void DB::eachMatch(const QString &kind, const RecFilter &filt
             continue;
         if (parent && r->parent != *parent)
             continue;
-        fn(r);
+        fn(s);
     }
 }
 
-QList<Rec> DB::list(const QString &kind, const RecFilter &filter) const
+std::vector<const Rec *> DB::sorted(const QString &kind, const RecFilter &filter) const
 {
     struct Key
     {
         qint64 sort;
+        double created;
         const Rec *rec;
     };
     std::vector<Key> keys;
-    eachMatch(kind, filter, [&](const Rec *r) { keys.push_back({r->i(u"sort"), r}); });
+    eachMatch(kind, filter, [&](const StoredRec *s) {
+        if (s->sortBad)
+            (void)s->rec.i(u"sort"); // stops the program with the reason
+        keys.push_back({s->sort, s->rec.created, &s->rec});
+    });
     // Equal sort and created fall back to the id, so the order never flickers.
     std::sort(keys.begin(), keys.end(), [](const Key &a, const Key &b) {
         if (a.sort != b.sort)
             return a.sort < b.sort;
-        if (a.rec->created != b.rec->created)
-            return a.rec->created < b.rec->created;
+        if (a.created != b.created)
+            return a.created < b.created;
         return a.rec->id < b.rec->id;
     });
-    QList<Rec> out;
-    out.reserve(qsizetype(keys.size()));
+    std::vector<const Rec *> out;
+    out.reserve(keys.size());
     for (const Key &k : keys)
-        out.append(*k.rec);
+        out.push_back(k.rec);
     return out;
+}
+
+QList<Rec> DB::list(const QString &kind, const RecFilter &filter) const
+{
+    const std::vector<const Rec *> recs = sorted(kind, filter);
+    QList<Rec> out;
+    out.reserve(qsizetype(recs.size()));
+    for (const Rec *r : recs)
+        out.append(*r);
+    return out;
+}
+
+void DB::visit(const QString &kind, const RecFilter &filter, const std::function<void(const Rec &)> &fn) const
+{
+    for (const Rec *r : sorted(kind, filter))
+        fn(*r);
 }
 
 qsizetype DB::count(const QString &kind, const RecFilter &filter) const
 {
     qsizetype n = 0;
-    eachMatch(kind, filter, [&](const Rec *) { ++n; });
+    eachMatch(kind, filter, [&](const StoredRec *) { ++n; });
     return n;
 }
 
@@ -256,35 +321,38 @@ Rec DB::add(const QString &kind, const QString &project, const QString &parent, 
 
 void DB::remove(const QString &id)
 {
-    const Rec *root = find(id);
-    if (!root)
+    auto rootIt = m_recs.find(id);
+    if (id.isEmpty() || rootIt == m_recs.end())
         return;
-    const Rec top = *root;
+    const StoredRec *root = &rootIt->second;
+    const Rec top = root->rec;
     // Everything that hangs from the record: children at any depth by parent,
     // and for a project or a company everything that names it.
-    QSet<const Rec *> doomed{root};
-    QList<const Rec *> queue{root};
+    QSet<const StoredRec *> doomed{root};
+    QList<const StoredRec *> queue{root};
     auto addAll = [&](const RecIndex::Bucket *bucket) {
         if (!bucket)
             return;
-        for (const Rec *r : *bucket)
+        for (const StoredRec *r : *bucket)
             if (!doomed.contains(r)) {
                 doomed.insert(r);
                 queue.append(r);
             }
     };
     if (top.kind == u"project")
-        addAll(m_index.byProject(id));
+        for (const RecIndex::Bucket *b : m_index.byProject(id))
+            addAll(b);
     if (top.kind == u"company")
         for (const RecIndex::Bucket *b : m_index.byCompany(id))
             addAll(b);
     for (qsizetype k = 0; k < queue.size(); ++k)
-        addAll(m_index.byParent(queue.at(k)->id));
+        addAll(m_index.byParent(queue.at(k)->rec.id));
 
     exec("BEGIN");
     sqlite3_stmt *del = nullptr;
     sqlite3_prepare_v2(m_db, "DELETE FROM recs WHERE id = ?", -1, &del, nullptr);
-    for (const Rec *r : std::as_const(doomed)) {
+    for (const StoredRec *s : std::as_const(doomed)) {
+        const Rec *r = &s->rec;
         const QString file = r->f.value(u"file");
         if (!file.isEmpty())
             QFile::remove(fileURL(file, r->company));
@@ -297,8 +365,8 @@ void DB::remove(const QString &id)
     exec("COMMIT");
 
     QStringList ids;
-    for (const Rec *r : std::as_const(doomed))
-        ids.append(r->id);
+    for (const StoredRec *s : std::as_const(doomed))
+        ids.append(s->rec.id);
     for (const QString &rid : std::as_const(ids)) {
         auto it = m_recs.find(rid);
         m_index.remove(&it->second);
@@ -317,6 +385,6 @@ void DB::remove(const QString &id)
 
 void DB::forEach(const std::function<void(const Rec &)> &fn) const
 {
-    for (const auto &[id, rec] : m_recs)
-        fn(rec);
+    for (const auto &[id, stored] : m_recs)
+        fn(stored.rec);
 }

@@ -46,6 +46,10 @@ public:
     const Rec *find(const QString &id) const;
     // Records of `kind` matching the filter, by `sort` then `created`.
     QList<Rec> list(const QString &kind, const RecFilter &filter = {}) const;
+    // Calls `fn` for each record list() would return, in the same order,
+    // without copying them. `fn` must not write to the store.
+    void visit(const QString &kind, const RecFilter &filter,
+               const std::function<void(const Rec &)> &fn) const;
     // How many records of `kind` match the filter, without copying them.
     qsizetype count(const QString &kind, const RecFilter &filter = {}) const;
     void save(const Rec &rec);
@@ -97,10 +101,13 @@ private:
     bool write(const Rec &rec);
     void put(const Rec &rec);
     void exec(const char *sql);
+    void closeConnection();
     void repairSelection();
     template<class Fn> void eachMatch(const QString &kind, const RecFilter &filter, Fn &&fn) const;
+    std::vector<const Rec *> sorted(const QString &kind, const RecFilter &filter) const;
+    static void readSortKey(StoredRec &stored);
 
-    std::unordered_map<QString, Rec> m_recs;
+    std::unordered_map<QString, StoredRec> m_recs;
     RecIndex m_index;
     StringPool m_pool;
     QString m_companyID;

@@ -3,7 +3,7 @@
 namespace {
 const QString kCompany = QStringLiteral("company");
 
-void take(QHash<QString, RecIndex::Bucket> &map, const QString &key, const Rec *rec)
+template<class Key> void take(QHash<Key, RecIndex::Bucket> &map, const Key &key, const StoredRec *rec)
 {
     auto it = map.find(key);
     if (it == map.end())
@@ -14,32 +14,28 @@ void take(QHash<QString, RecIndex::Bucket> &map, const QString &key, const Rec *
 }
 } // namespace
 
-QString RecIndex::ckKey(const QString &company, const QString &kind)
+void RecIndex::add(const StoredRec *stored)
 {
-    // U+001F cannot occur in an id or a kind, so the pair is unambiguous.
-    return company + QChar(0x1f) + kind;
+    const Rec *rec = &stored->rec;
+    m_ck[CompanyKind(rec->company, rec->kind)].insert(stored);
+    if (!rec->project.isEmpty())
+        m_project[ProjectKind(rec->project, rec->kind)].insert(stored);
+    if (!rec->parent.isEmpty())
+        m_parent[rec->parent].insert(stored);
+    if (rec->kind == kCompany)
+        m_companies.insert(stored);
 }
 
-void RecIndex::add(const Rec *rec)
+void RecIndex::remove(const StoredRec *stored)
 {
-    m_ck[ckKey(rec->company, rec->kind)].insert(rec);
+    const Rec *rec = &stored->rec;
+    take(m_ck, CompanyKind(rec->company, rec->kind), stored);
     if (!rec->project.isEmpty())
-        m_project[rec->project].insert(rec);
+        take(m_project, ProjectKind(rec->project, rec->kind), stored);
     if (!rec->parent.isEmpty())
-        m_parent[rec->parent].insert(rec);
+        take(m_parent, rec->parent, stored);
     if (rec->kind == kCompany)
-        m_companies.insert(rec);
-}
-
-void RecIndex::remove(const Rec *rec)
-{
-    take(m_ck, ckKey(rec->company, rec->kind), rec);
-    if (!rec->project.isEmpty())
-        take(m_project, rec->project, rec);
-    if (!rec->parent.isEmpty())
-        take(m_parent, rec->parent, rec);
-    if (rec->kind == kCompany)
-        m_companies.remove(rec);
+        m_companies.remove(stored);
 }
 
 void RecIndex::clear()
@@ -55,7 +51,7 @@ const RecIndex::Bucket *RecIndex::candidates(const QString &kind, const QString 
 {
     static const Bucket none;
     const Bucket *best = nullptr;
-    auto consider = [&](const QHash<QString, Bucket> &map, const QString &key) {
+    auto consider = [&](const auto &map, const auto &key) {
         auto it = map.constFind(key);
         const Bucket *b = it == map.cend() ? &none : &it.value();
         if (!best || b->size() < best->size())
@@ -64,9 +60,9 @@ const RecIndex::Bucket *RecIndex::candidates(const QString &kind, const QString 
     if (kind == kCompany)
         best = &m_companies;
     else
-        consider(m_ck, ckKey(company, kind));
+        consider(m_ck, CompanyKind(company, kind));
     if (project && !project->isEmpty())
-        consider(m_project, *project);
+        consider(m_project, ProjectKind(*project, kind));
     if (parent && !parent->isEmpty())
         consider(m_parent, *parent);
     return best;
@@ -78,18 +74,20 @@ const RecIndex::Bucket *RecIndex::byParent(const QString &parent) const
     return it == m_parent.cend() ? nullptr : &it.value();
 }
 
-const RecIndex::Bucket *RecIndex::byProject(const QString &project) const
+QList<const RecIndex::Bucket *> RecIndex::byProject(const QString &project) const
 {
-    auto it = m_project.constFind(project);
-    return it == m_project.cend() ? nullptr : &it.value();
+    QList<const Bucket *> out;
+    for (auto it = m_project.cbegin(); it != m_project.cend(); ++it)
+        if (it.key().first == project)
+            out.append(&it.value());
+    return out;
 }
 
 QList<const RecIndex::Bucket *> RecIndex::byCompany(const QString &company) const
 {
     QList<const Bucket *> out;
-    const QString prefix = company + QChar(0x1f);
     for (auto it = m_ck.cbegin(); it != m_ck.cend(); ++it)
-        if (it.key().startsWith(prefix))
+        if (it.key().first == company)
             out.append(&it.value());
     return out;
 }

@@ -11,8 +11,8 @@ Fields::Fields(std::initializer_list<std::pair<QString, QString>> pairs)
 qsizetype Fields::find(QStringView key, bool *found) const
 {
     auto it = std::lower_bound(m_entries.cbegin(), m_entries.cend(), key,
-                               [](const Entry &e, QStringView k) { return QStringView(e.key) < k; });
-    *found = it != m_entries.cend() && it->key == key;
+                               [](const Entry &e, QStringView k) { return keyLess(e.key, k); });
+    *found = it != m_entries.cend() && !keyLess(key, it->key);
     return it - m_entries.cbegin();
 }
 

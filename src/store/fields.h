@@ -2,8 +2,10 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
+#include <string>
+
 // The text fields of a record: a small map of key to text.
-// Invariant: entries are sorted by key and keys are unique, so two maps with
+// Invariant: entries are sorted by keyLess and keys are unique, so two maps with
 // the same pairs compare equal whatever order they were filled in. Kept as one
 // flat list because a record has a handful of fields and there are hundreds of
 // thousands of records in memory.
@@ -36,9 +38,17 @@ public:
 
     bool operator==(const Fields &) const = default;
 
-    // Builds from pairs that are already sorted by key and unique (the JSON
-    // reader checks and sorts before calling this).
+    // Builds from pairs that are already sorted by keyLess and unique (the
+    // JSON reader sorts before calling this).
     static Fields fromSorted(QList<Entry> entries);
+    // The order of entries: shorter keys first, then by code units. Any total
+    // order would do; this one compares without a call into the library.
+    static bool keyLess(QStringView a, QStringView b)
+    {
+        if (a.size() != b.size())
+            return a.size() < b.size();
+        return std::char_traits<char16_t>::compare(a.utf16(), b.utf16(), size_t(a.size())) < 0;
+    }
 
 private:
     qsizetype find(QStringView key, bool *found) const;

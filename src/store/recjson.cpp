@@ -6,26 +6,28 @@
 #include <cmath>
 #include <cstring>
 
-QString StringPool::intern(QStringView text)
+QString StringPool::intern(QByteArrayView utf8)
 {
-    if (text.size() > kMaxShared)
-        return text.toString();
-    auto it = m_pool.constFind(text);
+    if (utf8.size() > kMaxShared)
+        return QString::fromUtf8(utf8);
+    // A raw-data key borrows the bytes, so a hit allocates nothing.
+    auto it = m_pool.constFind(QByteArray::fromRawData(utf8.data(), utf8.size()));
     if (it != m_pool.cend())
         return it.value();
-    QString copy = text.toString();
-    m_pool.insert(QStringView(copy), copy);
-    return copy;
+    QString text = QString::fromUtf8(utf8);
+    m_pool.insert(utf8.toByteArray(), text);
+    return text;
 }
 
 QString StringPool::intern(const QString &text)
 {
     if (text.size() > kMaxShared)
         return text;
-    auto it = m_pool.constFind(QStringView(text));
+    const QByteArray utf8 = text.toUtf8();
+    auto it = m_pool.constFind(utf8);
     if (it != m_pool.cend())
         return it.value();
-    m_pool.insert(QStringView(text), text);
+    m_pool.insert(utf8, text);
     return text;
 }
 
@@ -97,35 +99,36 @@ public:
         if (!eat('}')) {
             for (;;) {
                 skipSpace();
-                QString key;
-                if (!string(key))
+                QByteArray keyBytes; // only for a name written with escapes
+                QByteArrayView key;
+                if (!name(key, keyBytes))
                     return std::nullopt;
                 skipSpace();
                 if (!eat(':'))
                     return std::nullopt;
                 skipSpace();
-                auto text = [&](QString &into, unsigned bit) {
+                auto text = [&](QString &into, unsigned bit, bool share) {
                     seen |= bit;
-                    return string(into, true);
+                    return string(into, share);
                 };
                 bool ok;
-                if (key == u"id")
-                    ok = text(r.id, Id);
-                else if (key == u"kind")
-                    ok = text(r.kind, Kind);
-                else if (key == u"company")
-                    ok = text(r.company, Company);
-                else if (key == u"project")
-                    ok = text(r.project, Project);
-                else if (key == u"parent")
-                    ok = text(r.parent, Parent);
-                else if (key == u"created") {
+                if (key == "id")
+                    ok = text(r.id, Id, false); // unique: pooling would only cost
+                else if (key == "kind")
+                    ok = text(r.kind, Kind, true);
+                else if (key == "company")
+                    ok = text(r.company, Company, true);
+                else if (key == "project")
+                    ok = text(r.project, Project, true);
+                else if (key == "parent")
+                    ok = text(r.parent, Parent, true);
+                else if (key == "created") {
                     seen |= Created;
                     ok = number(r.created);
-                } else if (key == u"updated") {
+                } else if (key == "updated") {
                     seen |= Updated;
                     ok = number(r.updated);
-                } else if (key == u"f") {
+                } else if (key == "f") {
                     seen |= F;
                     ok = fields(r.f);
                 } else
@@ -200,6 +203,31 @@ private:
         return true;
     }
 
+    // Reads a member name: the raw bytes when written plainly, else decoded
+    // into `holder` as UTF-8.
+    bool name(QByteArrayView &out, QByteArray &holder)
+    {
+        const char *save = p;
+        if (!eat('"'))
+            return false;
+        const char *start = p;
+        while (p < end && *p != '"' && *p != '\\' && static_cast<unsigned char>(*p) >= 0x20 &&
+               static_cast<unsigned char>(*p) < 0x80)
+            ++p;
+        if (p < end && *p == '"') {
+            out = QByteArrayView(start, p - start);
+            ++p;
+            return true;
+        }
+        p = save;
+        QString decoded;
+        if (!string(decoded))
+            return false;
+        holder = decoded.toUtf8();
+        out = holder;
+        return true;
+    }
+
     // Reads a JSON string. Plain runs are converted in one go; escapes go
     // through a scratch buffer. Invalid UTF-8 fails like any malformed text.
     bool string(QString &out, bool share = false)
@@ -221,18 +249,9 @@ private:
         if (plain) {
             if (p >= end)
                 return false;
-            const qsizetype n = p - start;
+            const QByteArrayView bytes(start, p - start);
             ++p;
-            if (!(share && pool)) {
-                out = QLatin1StringView(start, n).toString();
-                return true;
-            }
-            // Widen into the reused buffer so a text already pooled costs no allocation.
-            scratch.resize(n);
-            char16_t *d = reinterpret_cast<char16_t *>(scratch.data());
-            for (qsizetype k = 0; k < n; ++k)
-                d[k] = static_cast<unsigned char>(start[k]);
-            out = pool->intern(QStringView(scratch));
+            out = share && pool ? pool->intern(bytes) : QString::fromLatin1(bytes.data(), bytes.size());
             return true;
         }
         p = start;
@@ -285,7 +304,7 @@ private:
         if (p >= end)
             return false;
         ++p;
-        out = share && pool ? pool->intern(QStringView(scratch)) : scratch;
+        out = share && pool ? pool->intern(QByteArrayView(scratch.toUtf8())) : scratch;
         return true;
     }
 
@@ -388,9 +407,18 @@ private:
                 return false;
             }
         }
+        // The writer emits keys in order; only a hand-made row needs sorting.
         // A repeated key keeps its last value, as a JSON object would.
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const Fields::Entry &a, const Fields::Entry &b) { return a.key < b.key; });
+        const auto notBefore = [](const Fields::Entry &x, const Fields::Entry &y) {
+            return !Fields::keyLess(x.key, y.key);
+        };
+        if (std::adjacent_find(entries.cbegin(), entries.cend(), notBefore) == entries.cend()) {
+            out = Fields::fromSorted(std::move(entries));
+            return true;
+        }
+        std::stable_sort(entries.begin(), entries.end(), [](const Fields::Entry &a, const Fields::Entry &b) {
+            return Fields::keyLess(a.key, b.key);
+        });
         QList<Fields::Entry> unique;
         unique.reserve(entries.size());
         for (auto &e : entries) {

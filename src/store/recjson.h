@@ -19,16 +19,18 @@ std::optional<Rec> decode(QByteArrayView json, StringPool *pool = nullptr);
 } // namespace RecJSON
 
 // Shares equal short texts between records so that years of records with the
-// same company, kind, keys and common values hold each text once.
+// same company, kind, keys and common values hold each text once. Keyed by the
+// UTF-8 bytes, so the loader can look a text up before converting it.
 class StringPool
 {
 public:
-    QString intern(QStringView text);
+    QString intern(QByteArrayView utf8);
     QString intern(const QString &text);
+    void reserve(qsizetype n) { m_pool.reserve(n); }
     qsizetype size() const { return m_pool.size(); }
 
 private:
     // Longer texts (notes, descriptions) are rarely repeated and are not pooled.
     static constexpr qsizetype kMaxShared = 48;
-    QHash<QStringView, QString> m_pool; // views point into the QString values
+    QHash<QByteArray, QString> m_pool;
 };

@@ -43,7 +43,8 @@ private Q_SLOTS:
         const Rec titled = db.add(u"doc"_s, {}, {}, {{u"title"_s, u"T"_s}, {u"number"_s, u"7"_s}});
         QCOMPARE(db.label(titled.id), u"T"_s);
         // A code added later with a lower code sorts first in code order only.
-        db.add(u"cost_code"_s, {}, {}, {{u"code"_s, u"00-100"_s}, {u"name"_s, u"Bonds"_s}, {u"sort"_s, u"5"_s}});
+        db.add(u"cost_code"_s, {}, {},
+               {{u"code"_s, u"00-100"_s}, {u"name"_s, u"Bonds"_s}, {u"sort"_s, u"5"_s}});
         QCOMPARE(db.costCodes().first().f.value(u"code"), u"00-100"_s);
         QCOMPARE(db.list(u"cost_code"_s).last().f.value(u"code"), u"00-100"_s);
     }

@@ -16,8 +16,9 @@ QStringList walk(const DB &db, const QString &kind, const RecFilter &filter)
     const QString company = filter.company.value_or(db.companyID());
     QList<Rec> hits;
     db.forEach([&](const Rec &r) {
-        if (r.kind == kind && (kind == u"company" || r.company == company)
-            && (!filter.project || r.project == *filter.project) && (!filter.parent || r.parent == *filter.parent))
+        if (r.kind == kind && (kind == u"company" || r.company == company) &&
+            (!filter.project || r.project == *filter.project) &&
+            (!filter.parent || r.parent == *filter.parent))
             hits.append(r);
     });
     std::sort(hits.begin(), hits.end(), [](const Rec &a, const Rec &b) {

@@ -178,11 +178,13 @@ private Q_SLOTS:
         const QByteArray base =
             R"({"id":"A","kind":"k","company":"C","project":"","parent":"","created":1.5,"updated":2,"f":{"a":"1"}})";
         QTest::newRow("complete") << base << true;
-        QTest::newRow("extra member") << QByteArray(base).replace("\"f\"", "\"x\":[1,{\"y\":null}],\"f\"") << true;
+        QTest::newRow("extra member")
+            << QByteArray(base).replace("\"f\"", "\"x\":[1,{\"y\":null}],\"f\"") << true;
         QTest::newRow("spaces") << QByteArray(base).replace(":", " : ").replace(",", " ,\n ") << true;
         QTest::newRow("escaped slash") << QByteArray(base).replace("\"1\"", "\"a\\/b\"") << true;
         QTest::newRow("missing parent") << QByteArray(base).replace("\"parent\":\"\",", "") << false;
-        QTest::newRow("null project") << QByteArray(base).replace("\"project\":\"\"", "\"project\":null") << false;
+        QTest::newRow("null project")
+            << QByteArray(base).replace("\"project\":\"\"", "\"project\":null") << false;
         QTest::newRow("number in f") << QByteArray(base).replace("\"a\":\"1\"", "\"a\":1") << false;
         QTest::newRow("date as text") << QByteArray(base).replace("1.5", "\"1.5\"") << false;
         QTest::newRow("id as number") << QByteArray(base).replace("\"A\"", "7") << false;
