@@ -7,6 +7,17 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
+// Graphical test executables define TRESTLE_TEST_APP as 1 (QtGui) or 2 (widgets).
+#if defined(TRESTLE_TEST_APP) && TRESTLE_TEST_APP == 2
+#include <QtWidgets/QApplication>
+using TestApp = QApplication;
+#elif defined(TRESTLE_TEST_APP) && TRESTLE_TEST_APP == 1
+#include <QtGui/QGuiApplication>
+using TestApp = QGuiApplication;
+#else
+using TestApp = QCoreApplication;
+#endif
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -55,7 +66,10 @@ inline void isolateHome(QTemporaryDir &dir)
 
 inline int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
+    // Graphical tests run headless unless a display is asked for explicitly.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    TestApp app(argc, argv);
     const QStringList args = app.arguments();
     if (args.size() >= 3 && args.at(1) == QLatin1StringView("--child")) {
         auto it = children().find(args.at(2));

@@ -18,8 +18,7 @@ int main(int argc, char *argv[])
     QCommandLineParser parser;
     QString description = u"Trestle runs a construction company's back office.\n\nVerbs:"_s;
     for (const Verbs::Verb &v : Verbs::all())
-        description +=
-            u"\n  "_s + QString::fromLatin1(v.name).leftJustified(12) + QLatin1StringView(v.summary);
+        description += u"\n  "_s + QString(v.name + u' ' + v.usage).leftJustified(40) + u' ' + v.summary;
     parser.setApplicationDescription(description);
     parser.addHelpOption();
     parser.addVersionOption();

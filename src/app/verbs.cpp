@@ -1,50 +1,35 @@
 #include "verbs.h"
 
-#include "store/db.h"
-
-#include <map>
-
-using namespace Qt::StringLiterals;
+#include <algorithm>
 
 namespace Verbs {
 
-const QList<Verb> &all()
+namespace {
+QList<Verb> &registry()
 {
-    static const QList<Verb> verbs = {
-        {"info", "Show the data folder and each company's records by kind", &info},
-    };
+    static QList<Verb> verbs;
     return verbs;
+}
+} // namespace
+
+Register::Register(Verb verb)
+{
+    registry().append(std::move(verb));
+}
+
+QList<Verb> all()
+{
+    QList<Verb> out = registry();
+    std::sort(out.begin(), out.end(), [](const Verb &a, const Verb &b) { return a.name < b.name; });
+    return out;
 }
 
 const Verb *find(const QString &name)
 {
-    for (const Verb &v : all())
-        if (QLatin1StringView(v.name) == name)
+    for (const Verb &v : registry())
+        if (v.name == name)
             return &v;
     return nullptr;
-}
-
-int info(const QStringList &args, QTextStream &out, QTextStream &err)
-{
-    if (!args.isEmpty()) {
-        err << "trestle info takes no arguments\n";
-        return 2;
-    }
-    DB &db = DB::shared();
-    out << "Data folder: " << DB::appFolder() << '\n';
-    std::map<QString, std::map<QString, qsizetype>> counts; // company id → kind → records
-    db.forEach([&](const Rec &r) { ++counts[r.company][r.kind]; });
-    const QList<Rec> companies = db.list(u"company"_s);
-    if (companies.isEmpty())
-        out << "No companies yet.\n";
-    for (const Rec &c : companies) {
-        const bool current = c.id == db.companyID();
-        out << (current ? "* " : "  ") << c.f.value(u"name") << " (" << c.id << ")"
-            << (current ? " [current]" : "") << '\n';
-        for (const auto &[kind, n] : counts[c.id])
-            out << "      " << kind << ": " << n << '\n';
-    }
-    return 0;
 }
 
 } // namespace Verbs

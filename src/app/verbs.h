@@ -4,18 +4,22 @@
 
 // The headless command-line verbs. Each prints its result on `out`, a failure
 // as one line on `err`, and returns the process exit code (0 done, 1 failed,
-// 2 wrong usage).
+// 2 wrong usage). A verb file registers its verbs with a static Verbs::Register.
 namespace Verbs {
+using Run = int (*)(const QStringList &args, QTextStream &out, QTextStream &err);
 struct Verb
 {
-    const char *name;
-    const char *summary;
-    int (*run)(const QStringList &args, QTextStream &out, QTextStream &err);
+    QString name;
+    QString usage;   // the arguments, for --help
+    QString summary; // one line for --help
+    Run run;
 };
-// Every verb, in the order --help lists them.
-const QList<Verb> &all();
+// Every verb, sorted by name.
+QList<Verb> all();
 const Verb *find(const QString &name);
 
-// `trestle info`: the data folder, then each company with its records per kind.
-int info(const QStringList &args, QTextStream &out, QTextStream &err);
+struct Register
+{
+    explicit Register(Verb verb);
+};
 } // namespace Verbs

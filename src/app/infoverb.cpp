@@ -1,0 +1,37 @@
+// `trestle info`: the data folder, then each company with its records per kind.
+#include "store/db.h"
+#include "verbs.h"
+
+#include <map>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+int info(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (!args.isEmpty()) {
+        err << "trestle info takes no arguments\n";
+        return 2;
+    }
+    DB &db = DB::shared();
+    out << "Data folder: " << DB::appFolder() << '\n';
+    std::map<QString, std::map<QString, qsizetype>> counts; // company id → kind → records
+    db.forEach([&](const Rec &r) { ++counts[r.company][r.kind]; });
+    const QList<Rec> companies = db.list(u"company"_s);
+    if (companies.isEmpty())
+        out << "No companies yet.\n";
+    for (const Rec &c : companies) {
+        const bool current = c.id == db.companyID();
+        out << (current ? "* " : "  ") << c.f.value(u"name") << " (" << c.id << ")"
+            << (current ? " [current]" : "") << '\n';
+        for (const auto &[kind, n] : counts[c.id])
+            out << "      " << kind << ": " << n << '\n';
+    }
+    return 0;
+}
+
+const Verbs::Register reg({u"info"_s, QString(), u"Show the data folder and each company's records by kind"_s,
+                           &info});
+
+} // namespace

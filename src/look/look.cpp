@@ -1,0 +1,1 @@
+// Placeholder until the look layer arrives.
