@@ -24,7 +24,8 @@ public:
 
     // The text of `key`, or the empty text when absent.
     QString value(QStringView key) const;
-    QString operator[](QStringView key) const { return value(key); }
+    // A const result, so that `f[key] = value` (which would change a copy) does not compile.
+    const QString operator[](QStringView key) const { return value(key); }
     bool contains(QStringView key) const;
     // Sets `key` to `value` (an empty value is stored, not removed).
     void insert(const QString &key, const QString &value);
