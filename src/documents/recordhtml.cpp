@@ -51,11 +51,16 @@ QString photos(const DB &db, const Rec &rec)
     if (list.isEmpty())
         return QString();
     QString out = u"<h3>Photos</h3>"_s;
-    // The picture's address is built by the store, not typed, so it is the one unescaped value.
-    for (const Rec &photo : list)
-        out += u"<p><img src='"_s +
-               QUrl::fromLocalFile(db.fileURL(photo.f.value(u"file"_s), rec.company)).toString() +
-               u"' width=300><br><i>"_s + PDFOut::esc(photo.f.value(u"caption"_s)) + u"</i></p>"_s;
+    for (const Rec &photo : list) {
+        // The address is built by the store, not typed, so it is the one value not escaped; a quote
+        // in a file name is encoded so that it cannot end the attribute.
+        const QString src =
+            QString::fromLatin1(QUrl::fromLocalFile(db.fileURL(photo.f.value(u"file"_s), rec.company))
+                                    .toEncoded()
+                                    .replace('\'', "%27"));
+        out += u"<p><img src='"_s + src + u"' width=300><br><i>"_s +
+               PDFOut::esc(photo.f.value(u"caption"_s)) + u"</i></p>"_s;
+    }
     return out;
 }
 

@@ -6,6 +6,7 @@
 #include "calc/datefmt.h"
 
 #include "workflows/changeorders.h"
+
 #include <QtGui/QImage>
 
 using namespace Qt::StringLiterals;
@@ -22,33 +23,6 @@ class RecordHtmlTests : public QObject
 private Q_SLOTS:
     void initTestCase() { DateFmt::setToday(DocShop::kToday); }
     void cleanupTestCase() { DateFmt::setToday(QDate()); }
-
-    void tableMarkup_data()
-    {
-        QTest::addColumn<std::optional<double>>("pt");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("plain")
-            << std::optional<double>()
-            << u"<table width='100%' border=1 cellspacing=0 cellpadding=4 "
-               u"style='border-collapse:collapse'><tr style='background:#e8e8ee'><th "
-               u"align=left>A</th><th align=right>B&amp;</th></tr><tr><td align=left>1</td><td "
-               u"align=right>2</td><td align=left>3</td></tr></table>"_s;
-        QTest::newRow("whole size")
-            << std::optional<double>(9)
-            << u"<table width='100%' border=1 cellspacing=0 cellpadding=2 "
-               u"style='border-collapse:collapse'><tr style='background:#e8e8ee'><th "
-               u"align=left style='font-size:9.0pt'>A</th><th align=right "
-               u"style='font-size:9.0pt'>B&amp;</th></tr><tr><td align=left "
-               u"style='font-size:9.0pt'>1</td><td align=right style='font-size:9.0pt'>2</td><td "
-               u"align=left style='font-size:9.0pt'>3</td></tr></table>"_s;
-    }
-    void tableMarkup()
-    {
-        QFETCH(std::optional<double>, pt);
-        QFETCH(QString, expected);
-        // A row longer than the heads is written as it is, never padded or cut.
-        QCOMPARE(PDFOut::table({u"A"_s, u"B&"_s}, {{u"1"_s, u"2"_s, u"3"_s}}, {1}, pt), expected);
-    }
 
     void logoMark()
     {
@@ -103,9 +77,12 @@ private Q_SLOTS:
         const ModuleDef &def = Shop::module(module);
         const Rec rec = s.db.add(def.kind, s.project.id, {}, onLine ? Fields{} : Fields{{key, kNasty}});
         if (onLine)
-            s.db.add(key == u"caption" ? u"photo"_s : *def.lineKind, s.project.id, rec.id, {{key, kNasty}});
+            s.db.add(key == u"caption" ? u"photo"_s : *def.lineKind, s.project.id, rec.id,
+                     {{key, kNasty}, {u"file"_s, u"o'hare roof.jpg"_s}});
         const QString html = PDFOut::recordHTML(s.db, def, rec);
         QVERIFY(!html.contains(u"<b>x"_s));
+        if (key == u"caption")
+            QVERIFY(html.contains(u"o%27hare%20roof.jpg' width=300><br><i>"_s + kEscaped + u"</i>"_s));
         // The company name in the letterhead, and the value itself.
         QVERIFY2(html.count(kEscaped) >= 2, qPrintable(html));
     }
@@ -224,20 +201,6 @@ private Q_SLOTS:
                  !through);
         QVERIFY(html.endsWith(
             u"<p style='color:#b00'><b>Note:</b> AZ requires a statutory lien-waiver form.</p>"_s));
-    }
-
-    void waiverWithoutProject()
-    {
-        Shop s;
-        const Rec w =
-            s.db.add(u"waiver"_s, {}, {}, {{u"kind"_s, u"conditional_final"_s}, {u"state"_s, u"OR"_s}});
-        const QString html = PDFOut::waiverHTML(s.db, w);
-        QVERIFY(html.contains(u"rights it has on the job of , for all labor"_s));
-        QVERIFY(!html.contains(u"located at"_s));
-        QVERIFY(!html.contains(u"Note:"_s));
-        QVERIFY(html.contains(
-            u" This document becomes effective only when the payment has been properly endorsed "
-            u"and paid by the bank on which it is drawn.</p><p><br>Claimant: <br><br>Signature: "_s));
     }
 
     void proposal_data()

@@ -94,15 +94,6 @@ private Q_SLOTS:
         QVERIFY(html.contains(u"$5,500.00</td>"_s + cell + u"</td>"_s + cell + u"$5,600.00</td>"_s));
     }
 
-    void payApplicationWithoutLines()
-    {
-        Shop s;
-        const QString html = PrintReports::payHTML(s.db, newPayApp(s.db, s.project));
-        const QString sheet = html.section(u"Continuation sheet</h3>"_s, 1);
-        QCOMPARE(sheet.count(u"<tr"_s), 2); // heads and TOTAL
-        QVERIFY(html.endsWith(u"trademarks of The American Institute of Architects.</p>"_s));
-    }
-
     void listColumns_data()
     {
         QTest::addColumn<bool>("chosen");
@@ -186,16 +177,6 @@ private Q_SLOTS:
         QVERIFY(!html.contains(u">Trim</td>"_s));
     }
 
-    void wipZeroContract()
-    {
-        Shop s;
-        const Rec empty = s.db.add(u"project"_s, {}, {}, {{u"number"_s, u"Z"_s}, {u"name"_s, u"Empty"_s}});
-        const QStringList row = PrintReports::line(empty, ProjectFigures::of(s.db, empty));
-        QCOMPARE(row, (QStringList{u"Z"_s, u"Empty"_s, u"$0.00"_s, u"$0.00"_s, u"0.0%"_s, u"$0.00"_s,
-                                   u"$0.00"_s, u"$0.00"_s, u"$0.00"_s}));
-        QVERIFY(PrintReports::wipHTML(s.db).contains(u"Work in Progress Report</b>"_s));
-    }
-
     void scheduleChart_data()
     {
         QTest::addColumn<QList<int>>("durations"); // each task follows the one before
@@ -222,14 +203,6 @@ private Q_SLOTS:
         QCOMPARE(bars(html), expected);
         for (const QString &row : html.section(u"<h3>Gantt chart</h3>"_s, 1).split(u"<tr>"_s).mid(1))
             QCOMPARE(row.count(u"<td"_s), PrintReports::kChartCells + 1);
-    }
-
-    void scheduleWithoutTasks()
-    {
-        Shop s;
-        const QString html = PrintReports::scheduleHTML(s.db, s.project);
-        QVERIFY(html.contains(u"Schedule</b>"_s));
-        QVERIFY(!html.contains(u"Gantt"_s));
     }
 
     void jobCostVariance()
