@@ -3,6 +3,7 @@
 #include "calcbench.h"
 #include "flowbench.h"
 #include "generator.h"
+#include "interbench.h"
 
 #include "store/db.h"
 
@@ -220,6 +221,7 @@ void runFigures(const QString &path, int runs)
 
     runCalcBench(db, runs, out());
     runFlowBench(db, runs, out());
+    runInterchangeBench(db, path, runs, out());
 }
 
 } // namespace
