@@ -224,7 +224,7 @@ void Generator::invoices(const Job &job)
 void Generator::waivers(const Job &job, const QString &payApp, const QDate &periodTo, qint64 amount,
                         const QString &status)
 {
-    const bool paid = status == u"Paid";
+    const bool paid = status == u"paid";
     const bool final = periodTo >= job.end;
     auto waiver = [&](const QString &kind, const QString &claimant, const QString &customer,
                       const QString &state, const QString &signer) {

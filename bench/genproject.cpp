@@ -363,10 +363,11 @@ void Generator::payApp(Job &job, const QDate &periodTo, int n)
 {
     const double t = job.at(periodTo);
     const qint64 age = periodTo.daysTo(m_today);
-    const QString status = age > 45   ? u"Paid"_s
-                           : age > 20 ? u"Approved"_s
-                           : age > 3  ? u"Submitted"_s
-                                      : u"Draft"_s;
+    // Pay application statuses are the lower-case keys the program stores.
+    const QString status = age > 45   ? u"paid"_s
+                           : age > 20 ? u"approved"_s
+                           : age > 3  ? u"submitted"_s
+                                      : u"draft"_s;
     const QString app = m_batch.add(u"pay_app"_s, job.id, {},
                                     {{u"number"_s, QString::number(n)},
                                      {u"periodTo"_s, iso(periodTo)},
@@ -388,7 +389,7 @@ void Generator::payApp(Job &job, const QDate &periodTo, int n)
                      {u"stored"_s, QString::number(stored)}});
     }
     const qint64 net = total - total / 10;
-    if (status == u"Paid") {
+    if (status == u"paid") {
         m_batch.add(u"payment"_s, job.id, {},
                     {{u"date"_s, iso(periodTo.addDays(m_dice.in(20, 45)))},
                      {u"direction"_s, u"Received"_s},
@@ -399,7 +400,7 @@ void Generator::payApp(Job &job, const QDate &periodTo, int n)
                      {u"ref"_s, QString::number(m_dice.in(1000, 99999))}});
     }
     // Subcontractors are paid out of each month's draw.
-    const int paidOut = status == u"Paid" ? m_dice.in(1, 3) : 0;
+    const int paidOut = status == u"paid" ? m_dice.in(1, 3) : 0;
     for (int k = 0; k < paidOut; ++k)
         m_batch.add(u"payment"_s, job.id, {},
                     {{u"date"_s, iso(periodTo.addDays(m_dice.in(25, 50)))},
@@ -408,7 +409,7 @@ void Generator::payApp(Job &job, const QDate &periodTo, int n)
                      {u"amount"_s, QString::number(net * m_dice.in(5, 25) / 100)},
                      {u"method"_s, u"Check"_s},
                      {u"ref"_s, QString::number(m_dice.in(1000, 99999))}});
-    if (status != u"Draft")
+    if (status != u"draft")
         waivers(job, app, periodTo, net, status);
 }
 
