@@ -84,6 +84,12 @@ void DB::closeConnection()
     m_db = nullptr;
 }
 
+void DB::checkpoint()
+{
+    if (m_db)
+        exec("PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
 void DB::exec(const char *sql)
 {
     sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr);

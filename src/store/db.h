@@ -67,6 +67,9 @@ public:
     // --- stored files ---
     bool inMemory() const { return m_inMemory; }
     QString filesRoot() const { return m_filesRoot; }
+    // Folds the write-ahead log back into the database file, so that a copy of
+    // the folder taken now holds every saved record in "trestle.sqlite".
+    void checkpoint();
     // Location of a stored file of `company` (the current one when absent); creates the folder.
     QString fileURL(const QString &name, const std::optional<QString> &company = std::nullopt) const;
     // Copies an outside file into the current company's folder; its stored name, or nothing.
