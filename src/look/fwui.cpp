@@ -31,23 +31,23 @@ const QList<FWTheme> &FWTheme::all()
 {
     static const QList<FWTheme> list = {
         finish(u"gunmetal-blue"_s, u"Gunmetal Blue"_s,
-               {"#090D13", "#161D28", "#1B242F", "#263240", "#DBE8F7", "#66809E", "#212E40", "#4CBDFF", "#8CE6FF",
-                "#EBF2FC", "#94A8C2", "#05080D"}),
+               {"#090D13", "#161D28", "#1B242F", "#263240", "#DBE8F7", "#66809E", "#212E40", "#4CBDFF",
+                "#8CE6FF", "#EBF2FC", "#94A8C2", "#05080D"}),
         finish(u"anodized-red"_s, u"Anodized Red"_s,
-               {"#120406", "#2B090E", "#370D12", "#4C131A", "#FFCCCC", "#B23840", "#470D14", "#FF5447", "#FF9E59",
-                "#FFF0ED", "#CC9999", "#0A0203"}),
+               {"#120406", "#2B090E", "#370D12", "#4C131A", "#FFCCCC", "#B23840", "#470D14", "#FF5447",
+                "#FF9E59", "#FFF0ED", "#CC9999", "#0A0203"}),
         finish(u"rose-gold"_s, u"Rose Gold"_s,
-               {"#1F1212", "#3C2625", "#49302E", "#60423E", "#FFE6DB", "#DB998A", "#734740", "#FFA89E", "#FFD19E",
-                "#FFF2ED", "#D9B2A8", "#120A0A"}),
+               {"#1F1212", "#3C2625", "#49302E", "#60423E", "#FFE6DB", "#DB998A", "#734740", "#FFA89E",
+                "#FFD19E", "#FFF2ED", "#D9B2A8", "#120A0A"}),
         finish(u"lavender-violet"_s, u"Lavender Violet"_s,
-               {"#0F091A", "#221637", "#2D1D45", "#3E2B5C", "#F2E6FF", "#9E80D9", "#402966", "#C799FF", "#FFADEB",
-                "#F7F2FF", "#B8A6D9", "#09050F"}),
+               {"#0F091A", "#221637", "#2D1D45", "#3E2B5C", "#F2E6FF", "#9E80D9", "#402966", "#C799FF",
+                "#FFADEB", "#F7F2FF", "#B8A6D9", "#09050F"}),
         finish(u"black-chrome"_s, u"Black Chrome"_s,
-               {"#030303", "#0E0E10", "#131315", "#1F1F22", "#FFFFFF", "#8C8F99", "#1A1A1F", "#CCEBFF", "#66FFD9",
-                "#F5F5FA", "#999CA8", "#000000"}),
+               {"#030303", "#0E0E10", "#131315", "#1F1F22", "#FFFFFF", "#8C8F99", "#1A1A1F", "#CCEBFF",
+                "#66FFD9", "#F5F5FA", "#999CA8", "#000000"}),
         finish(u"graphite-gray"_s, u"Graphite Gray"_s,
-               {"#1C1D1F", "#333437", "#3E4043", "#525357", "#F7F7FA", "#9EA1A8", "#474A4F", "#FFB238", "#FFD973",
-                "#F7F7FA", "#B2B5BD", "#111112"}),
+               {"#1C1D1F", "#333437", "#3E4043", "#525357", "#F7F7FA", "#9EA1A8", "#474A4F", "#FFB238",
+                "#FFD973", "#F7F7FA", "#B2B5BD", "#111112"}),
     };
     return list;
 }
@@ -65,7 +65,8 @@ FWUI::FWUI(QObject *parent)
     , m_theme(&FWTheme::byId(settings().value(themeKey).toString()))
 {
     const double stored = settings().value(zoomKey).toDouble();
-    m_zoom = (stored == 0 || !std::isfinite(stored)) ? 1.0 : std::clamp(stored, steps().first(), steps().last());
+    m_zoom =
+        (stored == 0 || !std::isfinite(stored)) ? 1.0 : std::clamp(stored, steps().first(), steps().last());
 }
 
 FWUI &FWUI::shared()

@@ -25,13 +25,15 @@ void StatusPill::setText(const QString &text)
 
 StatusPill::Tone StatusPill::tone(const QString &text)
 {
-    static const QStringList green = {u"approved"_s, u"paid"_s,     u"closed"_s,   u"complete"_s, u"received"_s,
-                                      u"signed"_s,   u"awarded"_s,  u"won"_s,      u"accepted"_s, u"answered"_s,
-                                      u"ok"_s,       u"turned over"_s, u"approved as noted"_s};
-    static const QStringList red = {u"rejected"_s,          u"void"_s,      u"lost"_s,    u"declined"_s,
-                                    u"expired"_s,           u"revise & resubmit"_s, u"cancelled"_s, u"incident"_s};
-    static const QStringList orange = {u"pending"_s, u"draft"_s,  u"open"_s,     u"expiring"_s,
-                                       u"needed"_s,  u"sent"_s,   u"submitted"_s};
+    static const QStringList green = {u"approved"_s,         u"paid"_s,     u"closed"_s,  u"complete"_s,
+                                      u"received"_s,         u"signed"_s,   u"awarded"_s, u"won"_s,
+                                      u"accepted"_s,         u"answered"_s, u"ok"_s,      u"turned over"_s,
+                                      u"approved as noted"_s};
+    static const QStringList red = {u"rejected"_s,  u"void"_s,    u"lost"_s,
+                                    u"declined"_s,  u"expired"_s, u"revise & resubmit"_s,
+                                    u"cancelled"_s, u"incident"_s};
+    static const QStringList orange = {u"pending"_s, u"draft"_s, u"open"_s,     u"expiring"_s,
+                                       u"needed"_s,  u"sent"_s,  u"submitted"_s};
     const QString lower = text.toLower();
     if (green.contains(lower))
         return Green;

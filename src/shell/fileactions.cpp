@@ -47,7 +47,8 @@ struct Progress
 
 void backupAll(QWidget *parent, DB &db)
 {
-    const QString proposed = QDir::home().filePath(u"Trestle Backup "_s + DateFmt::iso(DateFmt::today()) + u".zip"_s);
+    const QString proposed =
+        QDir::home().filePath(u"Trestle Backup "_s + DateFmt::iso(DateFmt::today()) + u".zip"_s);
     const QString path =
         QFileDialog::getSaveFileName(parent, u"Back Up Everything"_s, proposed, u"Zip archives (*.zip)"_s);
     if (path.isEmpty())
@@ -72,8 +73,8 @@ void restore(QWidget *parent, DB &db)
     ask.exec();
     if (ask.clickedButton() != choose)
         return;
-    const QString zip =
-        QFileDialog::getOpenFileName(parent, u"Restore From Backup"_s, QDir::homePath(), u"Zip archives (*.zip)"_s);
+    const QString zip = QFileDialog::getOpenFileName(parent, u"Restore From Backup"_s, QDir::homePath(),
+                                                     u"Zip archives (*.zip)"_s);
     if (zip.isEmpty())
         return;
     Backup::Result result;
@@ -112,9 +113,9 @@ void chooseLogo(QWidget *parent, DB &db)
 
 void reveal(const QString &path)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s,
-                                                       u"/org/freedesktop/FileManager1"_s,
-                                                       u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
+                                       u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);
     call << QStringList{QUrl::fromLocalFile(path).toString()} << QString();
     const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 3000);
     if (reply.type() != QDBusMessage::ReplyMessage)

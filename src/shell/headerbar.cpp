@@ -15,7 +15,8 @@
 
 using namespace Qt::StringLiterals;
 
-HeaderMenuButton::HeaderMenuButton(const QString &caption, const QString &symbol, QMenu *menu, QWidget *parent)
+HeaderMenuButton::HeaderMenuButton(const QString &caption, const QString &symbol, QMenu *menu,
+                                   QWidget *parent)
     : QAbstractButton(parent)
     , m_caption(caption)
     , m_symbol(symbol)
@@ -49,8 +50,8 @@ void HeaderMenuButton::setCompact(bool compact)
 QSize HeaderMenuButton::sizeHint() const
 {
     const FWUI &ui = FWUI::shared();
-    const int textW =
-        std::min(QFontMetrics(ui.font(13, QFont::DemiBold)).horizontalAdvance(text()), ui.px(m_compact ? 130 : 220));
+    const int textW = std::min(QFontMetrics(ui.font(13, QFont::DemiBold)).horizontalAdvance(text()),
+                               ui.px(m_compact ? 130 : 220));
     const int captionW = QFontMetrics(ui.font(9.5, QFont::DemiBold)).horizontalAdvance(m_caption.toUpper());
     const int icon = m_symbol.isEmpty() ? 0 : ui.px(22);
     return {ui.px(14) + icon + std::max(textW, m_compact ? 0 : captionW) + ui.px(26), ui.px(40)};
@@ -91,7 +92,8 @@ void HeaderMenuButton::paintEvent(QPaintEvent *)
                    p.fontMetrics().elidedText(text(), Qt::ElideRight, right - x));
     }
     const int chevron = ui.px(12);
-    p.drawPixmap(width() - ui.px(16), (height() - chevron) / 2, Icons::pixmap(u"chevron.down"_s, t.dim, chevron));
+    p.drawPixmap(width() - ui.px(16), (height() - chevron) / 2,
+                 Icons::pixmap(u"chevron.down"_s, t.dim, chevron));
 }
 
 HeaderBar::HeaderBar(DB &db, Nav &nav, QWidget *parent)
@@ -166,7 +168,8 @@ void HeaderBar::rebuildMenus()
     m_projectMenu->addSeparator();
     for (const Rec &p : m_db.list(u"project"_s)) {
         const QString id = p.id;
-        m_projectMenu->addAction(p.f[u"number"] + u' ' + p.f[u"name"], this, [this, id] { m_nav.setProjectID(id); });
+        m_projectMenu->addAction(p.f[u"number"] + u' ' + p.f[u"name"], this,
+                                 [this, id] { m_nav.setProjectID(id); });
     }
     m_projectMenu->addSeparator();
     m_projectMenu->addAction(u"New Project…"_s, this, [this] { m_nav.setNewProject(true); });
@@ -174,7 +177,8 @@ void HeaderBar::rebuildMenus()
     m_userMenu->clear();
     for (const Rec &u : m_db.list(u"user"_s)) {
         const QString id = u.id;
-        m_userMenu->addAction(u.f[u"name"] + u" — "_s + u.f[u"role"], this, [this, id] { m_db.setUserID(id); });
+        m_userMenu->addAction(u.f[u"name"] + u" — "_s + u.f[u"role"], this,
+                              [this, id] { m_db.setUserID(id); });
     }
 }
 

@@ -27,13 +27,15 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
     m->addAction(u"New Project…"_s, QKeySequence(u"Ctrl+N"_s), w, [&nav] { nav.setNewProject(true); });
     m->addAction(u"New Company…"_s, w, [&nav] { nav.setNewCompany(true); });
     m->addSeparator();
-    m->addAction(u"Back Up Everything…"_s, QKeySequence(u"Ctrl+B"_s), w, [w, &db] { FileActions::backupAll(w, db); });
+    m->addAction(u"Back Up Everything…"_s, QKeySequence(u"Ctrl+B"_s), w,
+                 [w, &db] { FileActions::backupAll(w, db); });
     m->addAction(u"Restore From Backup…"_s, w, [w, &db] { FileActions::restore(w, db); });
     m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
     m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
     m->addSeparator();
     m->addAction(u"Page Setup…"_s, QKeySequence(u"Ctrl+Shift+P"_s), w, [w] { PrintSetup::pageSetup(w); });
-    QAction *print = m->addAction(u"Print…"_s, QKeySequence(u"Ctrl+P"_s), w, [] { PrintCenter::shared().print(); });
+    QAction *print =
+        m->addAction(u"Print…"_s, QKeySequence(u"Ctrl+P"_s), w, [] { PrintCenter::shared().print(); });
     print->setObjectName(u"print"_s);
     print->setEnabled(PrintCenter::shared().hasJob());
     QObject::connect(&PrintCenter::shared(), &PrintCenter::hasJobChanged, print, &QAction::setEnabled);
@@ -74,7 +76,8 @@ void viewMenu(TLWindow *w)
     }
     m->addAction(u"Zoom In"_s, QKeySequence(u"Ctrl+="_s), &ui, &FWUI::zoomIn);
     m->addAction(u"Zoom Out"_s, QKeySequence(u"Ctrl+-"_s), &ui, &FWUI::zoomOut);
-    m->addAction(u"Actual Size (100%)"_s, QKeySequence(u"Ctrl+0"_s), &ui, [] { FWUI::shared().setZoom(1.0); });
+    m->addAction(u"Actual Size (100%)"_s, QKeySequence(u"Ctrl+0"_s), &ui,
+                 [] { FWUI::shared().setZoom(1.0); });
     QAction *line = m->addAction(u"Interface Zoom: "_s + ui.percent());
     line->setEnabled(false);
     QObject::connect(&ui, &FWUI::changed, line, [line, group] {

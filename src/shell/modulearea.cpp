@@ -46,7 +46,7 @@ void ModuleArea::refresh()
     const bool company = m_db.company().has_value();
     const bool allowed = Roles::mayOpen(role, m);
     // What decides the kind of view; the screen itself follows Nav in refresh().
-    const QString key = !company ? u"none"_s
+    const QString key = !company   ? u"none"_s
                         : !allowed ? u"refused|"_s + m.id + u'|' + role
                                    : u"screen|"_s + m.id + u'|' + m_db.companyID();
     if (key == m_key && m_current) {
@@ -57,7 +57,8 @@ void ModuleArea::refresh()
     m_key = key;
     QWidget *next = nullptr;
     if (!company) {
-        auto *e = new EmptyState(u"building.columns"_s, u"No company yet"_s, u"Create your company to start."_s);
+        auto *e =
+            new EmptyState(u"building.columns"_s, u"No company yet"_s, u"Create your company to start."_s);
         e->addAction(u"New Company…"_s, [this] { m_nav.setNewCompany(true); });
         next = e;
     } else if (!allowed) {

@@ -11,8 +11,7 @@ Nav::Nav(QObject *parent)
     : QObject(parent)
     , m_module(u"hub"_s)
     , m_projectID(Settings::text(u"tl.project"_s))
-{
-}
+{}
 
 Nav &Nav::shared()
 {
@@ -77,7 +76,8 @@ std::optional<Rec> Nav::project(const DB &db) const
     return p;
 }
 
-void Nav::open(const QString &module, const std::optional<QString> &record, const std::optional<QString> &project)
+void Nav::open(const QString &module, const std::optional<QString> &record,
+               const std::optional<QString> &project)
 {
     if (project)
         setProjectID(*project);

@@ -13,7 +13,8 @@ PickProject::PickProject(DB &db, Nav &nav, const ModuleDef &m, QWidget *parent)
     const QList<Rec> projects = db.list(u"project"_s);
     for (const Rec &p : projects) {
         const QString id = p.id;
-        addAction(p.f[u"number"] + u' ' + p.f[u"name"], [&nav, id] { nav.setProjectID(id); }, false);
+        addAction(
+            p.f[u"number"] + u' ' + p.f[u"name"], [&nav, id] { nav.setProjectID(id); }, false);
     }
     if (projects.isEmpty())
         addAction(u"New Project…"_s, [&nav] { nav.setNewProject(true); });

@@ -8,8 +8,7 @@
 
 PrintCenter::PrintCenter(QObject *parent)
     : QObject(parent)
-{
-}
+{}
 
 PrintCenter &PrintCenter::shared()
 {

@@ -125,7 +125,8 @@ void NewCompanySheet::create()
 {
     const QString name = m_name->text();
     const QString owner = m_owner->text();
-    m_db.createCompany(name.isEmpty() ? u"My Company"_s : name, owner.isEmpty() ? u"Owner"_s : owner, u"CO"_s);
+    m_db.createCompany(name.isEmpty() ? u"My Company"_s : name, owner.isEmpty() ? u"Owner"_s : owner,
+                       u"CO"_s);
     m_nav.setProjectID({});
     m_nav.setModule(u"hub"_s);
     accept();

@@ -80,9 +80,8 @@ int run(int &argc, char **argv)
         // Two turns: the first builds and lays out, the second has painted.
         QTimer::singleShot(300, &window, [&window, file] {
             window.main()->refresh();
-            QTimer::singleShot(300, &window, [&window, file] {
-                QApplication::exit(window.grab().save(file) ? 0 : 1);
-            });
+            QTimer::singleShot(300, &window,
+                               [&window, file] { QApplication::exit(window.grab().save(file) ? 0 : 1); });
         });
     }
     return app.exec();
