@@ -1,6 +1,8 @@
 // The program's entry: a headless verb when one is named, otherwise the window.
 #include "verbs.h"
 
+#include "shell/tlapp.h"
+
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
 
@@ -10,6 +12,9 @@ using namespace Qt::StringLiterals;
 
 int main(int argc, char *argv[])
 {
+    // No verb: the window. Later layers register their screens and help pages before this.
+    if (TLApp::wantsWindow(argc, argv))
+        return TLApp::run(argc, argv);
     QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName(u"Fenwright"_s);
     QCoreApplication::setApplicationName(u"Trestle"_s);

@@ -1,0 +1,90 @@
+#include "statuspill.h"
+
+#include "chrome.h"
+#include "fwui.h"
+
+#include <QtGui/QPainter>
+
+using namespace Qt::StringLiterals;
+
+StatusPill::StatusPill(const QString &text, QWidget *parent)
+    : QWidget(parent)
+    , m_text(text)
+{
+    Chrome::followLook(this);
+}
+
+void StatusPill::setText(const QString &text)
+{
+    if (text == m_text)
+        return;
+    m_text = text;
+    updateGeometry();
+    update();
+}
+
+StatusPill::Tone StatusPill::tone(const QString &text)
+{
+    static const QStringList green = {u"approved"_s,         u"paid"_s,     u"closed"_s,  u"complete"_s,
+                                      u"received"_s,         u"signed"_s,   u"awarded"_s, u"won"_s,
+                                      u"accepted"_s,         u"answered"_s, u"ok"_s,      u"turned over"_s,
+                                      u"approved as noted"_s};
+    static const QStringList red = {u"rejected"_s,  u"void"_s,    u"lost"_s,
+                                    u"declined"_s,  u"expired"_s, u"revise & resubmit"_s,
+                                    u"cancelled"_s, u"incident"_s};
+    static const QStringList orange = {u"pending"_s, u"draft"_s, u"open"_s,     u"expiring"_s,
+                                       u"needed"_s,  u"sent"_s,  u"submitted"_s};
+    const QString lower = text.toLower();
+    if (green.contains(lower))
+        return Green;
+    if (red.contains(lower))
+        return Red;
+    if (orange.contains(lower))
+        return Orange;
+    return Neutral;
+}
+
+QString StatusPill::shown(const QString &text)
+{
+    if (text != text.toLower())
+        return text;
+    QString out = text;
+    bool start = true;
+    for (QChar &c : out) {
+        if (start && c.isLetter())
+            c = c.toUpper();
+        start = c.isSpace();
+    }
+    return out;
+}
+
+QSize StatusPill::sizeHint() const
+{
+    const FWUI &ui = FWUI::shared();
+    const QFontMetrics fm(ui.font(10, QFont::Black));
+    return {fm.horizontalAdvance(shown(m_text)) + ui.px(16), ui.px(18)};
+}
+
+void StatusPill::paintEvent(QPaintEvent *)
+{
+    const FWUI &ui = FWUI::shared();
+    QColor fill;
+    switch (tone(m_text)) {
+    case Green: fill = QColor(0x34, 0xC7, 0x59); break;
+    case Red: fill = QColor(0xFF, 0x3B, 0x30); break;
+    case Orange: fill = QColor(0xFF, 0x95, 0x00); break;
+    case Neutral: fill = ui.theme().dim; break;
+    }
+    fill.setAlphaF(0.75);
+    QPainter p(this);
+    p.setRenderHint(QPainter::Antialiasing);
+    const QSize hint = sizeHint();
+    const QRectF r(0.5, (height() - hint.height()) / 2.0 + 0.5, std::min(width(), hint.width()) - 1.0,
+                   hint.height() - 1.0);
+    p.setBrush(fill);
+    p.setPen(QPen(QColor(255, 255, 255, 64), 0.75));
+    p.drawRoundedRect(r, r.height() / 2, r.height() / 2);
+    p.setPen(Qt::white);
+    p.setFont(ui.font(10, QFont::Black));
+    p.drawText(r, Qt::AlignCenter, shown(m_text));
+}

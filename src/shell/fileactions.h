@@ -1,0 +1,19 @@
+#pragma once
+
+class DB;
+class QWidget;
+
+// The File menu's commands that go through file dialogs: backup, restore,
+// CSV export and the company logo. A cancelled dialog ends a command quietly.
+namespace FileActions {
+// Saves the whole data folder as one zip chosen by the user.
+void backupAll(QWidget *parent, DB &db);
+// Asks, then replaces the data folder with a backup's and quits on success.
+void restore(QWidget *parent, DB &db);
+// Writes the current company's records as CSV files into a chosen folder and shows it.
+void exportCSV(QWidget *parent, DB &db);
+// Lets the user choose the company logo for printouts.
+void chooseLogo(QWidget *parent, DB &db);
+// Shows `path` in the file manager, or opens its folder when no file manager answers.
+void reveal(const QString &path);
+} // namespace FileActions

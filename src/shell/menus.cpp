@@ -1,0 +1,108 @@
+#include "menus.h"
+
+#include "fileactions.h"
+#include "nav.h"
+#include "printcenter.h"
+#include "printsetup.h"
+#include "tlapp.h"
+#include "tlmain.h"
+#include "tlwindow.h"
+
+#include "catalog/modules.h"
+#include "look/fwui.h"
+#include "store/db.h"
+
+#include <QtGui/QActionGroup>
+#include <QtWidgets/QMenuBar>
+
+using namespace Qt::StringLiterals;
+
+namespace Menus {
+
+namespace {
+
+void fileMenu(TLWindow *w, DB &db, Nav &nav)
+{
+    QMenu *m = w->menuBar()->addMenu(u"&File"_s);
+    m->addAction(u"New Project…"_s, QKeySequence(u"Ctrl+N"_s), w, [&nav] { nav.setNewProject(true); });
+    m->addAction(u"New Company…"_s, w, [&nav] { nav.setNewCompany(true); });
+    m->addSeparator();
+    m->addAction(u"Back Up Everything…"_s, QKeySequence(u"Ctrl+B"_s), w,
+                 [w, &db] { FileActions::backupAll(w, db); });
+    m->addAction(u"Restore From Backup…"_s, w, [w, &db] { FileActions::restore(w, db); });
+    m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
+    m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
+    m->addSeparator();
+    m->addAction(u"Page Setup…"_s, QKeySequence(u"Ctrl+Shift+P"_s), w, [w] { PrintSetup::pageSetup(w); });
+    QAction *print =
+        m->addAction(u"Print…"_s, QKeySequence(u"Ctrl+P"_s), w, [] { PrintCenter::shared().print(); });
+    print->setObjectName(u"print"_s);
+    print->setEnabled(PrintCenter::shared().hasJob());
+    QObject::connect(&PrintCenter::shared(), &PrintCenter::hasJobChanged, print, &QAction::setEnabled);
+    m->addSeparator();
+    m->addAction(u"Quit"_s, QKeySequence::Quit, w, &QWidget::close);
+}
+
+void goMenu(TLWindow *w, DB &db, Nav &nav)
+{
+    QMenu *m = w->menuBar()->addMenu(u"&Go"_s);
+    int position = 0;
+    for (const ModuleDef &def : Modules::all()) {
+        const QString id = def.id;
+        QAction *a = m->addAction(def.title, w, [&nav, id] { nav.setModule(id); });
+        // The menu ignores the role on purpose: the module area refuses what may not open.
+        if (++position <= 9)
+            a->setShortcut(QKeySequence(u"Ctrl+"_s + QString::number(position)));
+    }
+    m->addSeparator();
+    m->addAction(u"Load Sample Company"_s, w, [&db, &nav] {
+        TLApp::loadSample(db);
+        nav.setModule(u"hub"_s);
+    });
+}
+
+void viewMenu(TLWindow *w)
+{
+    FWUI &ui = FWUI::shared();
+    QMenu *m = w->menuBar()->addMenu(u"&View"_s);
+    QMenu *themes = m->addMenu(u"Theme"_s);
+    auto *group = new QActionGroup(themes);
+    for (const FWTheme &t : FWTheme::all()) {
+        const QString id = t.id;
+        QAction *a = themes->addAction(t.name, w, [id] { FWUI::shared().setTheme(id); });
+        a->setCheckable(true);
+        a->setChecked(ui.theme().id == id);
+        group->addAction(a);
+    }
+    m->addAction(u"Zoom In"_s, QKeySequence(u"Ctrl+="_s), &ui, &FWUI::zoomIn);
+    m->addAction(u"Zoom Out"_s, QKeySequence(u"Ctrl+-"_s), &ui, &FWUI::zoomOut);
+    m->addAction(u"Actual Size (100%)"_s, QKeySequence(u"Ctrl+0"_s), &ui,
+                 [] { FWUI::shared().setZoom(1.0); });
+    QAction *line = m->addAction(u"Interface Zoom: "_s + ui.percent());
+    line->setEnabled(false);
+    QObject::connect(&ui, &FWUI::changed, line, [line, group] {
+        const FWUI &ui = FWUI::shared();
+        line->setText(u"Interface Zoom: "_s + ui.percent());
+        for (QAction *a : group->actions())
+            a->setChecked(a->text() == ui.theme().name);
+    });
+}
+
+void helpMenu(TLWindow *w)
+{
+    QMenu *m = w->menuBar()->addMenu(u"&Help"_s);
+    m->addAction(u"Fenwright Trestle Help"_s, QKeySequence::HelpContents, w, [w] { TLApp::showHelp(w); });
+    QObject::connect(w->main(), &TLMain::helpRequested, w, [w] { TLApp::showHelp(w); });
+}
+
+} // namespace
+
+void build(TLWindow *window, DB &db, Nav &nav)
+{
+    fileMenu(window, db, nav);
+    goMenu(window, db, nav);
+    viewMenu(window);
+    helpMenu(window);
+}
+
+} // namespace Menus

@@ -1,0 +1,174 @@
+#include "modulerail.h"
+
+#include "nav.h"
+
+#include "catalog/modules.h"
+#include "catalog/roles.h"
+#include "look/chrome.h"
+#include "look/fwui.h"
+#include "look/icons.h"
+#include "store/db.h"
+
+#include <QtGui/QPainter>
+#include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QScrollBar>
+
+using namespace Qt::StringLiterals;
+
+RailButton::RailButton(const ModuleDef &m, QWidget *parent)
+    : QAbstractButton(parent)
+    , m_module(m)
+{
+    setText(m.title);
+    setAccessibleName(m.title);
+    setCursor(Qt::PointingHandCursor);
+    Chrome::followLook(this);
+}
+
+void RailButton::setOn(bool on)
+{
+    if (on == m_on)
+        return;
+    m_on = on;
+    update();
+}
+
+QSize RailButton::sizeHint() const
+{
+    const FWUI &ui = FWUI::shared();
+    const QFontMetrics fm(ui.font(13, QFont::Medium));
+    return {ui.px(40) + fm.horizontalAdvance(text()), ui.px(30)};
+}
+
+void RailButton::paintEvent(QPaintEvent *)
+{
+    const FWUI &ui = FWUI::shared();
+    const FWTheme &t = ui.theme();
+    QPainter p(this);
+    p.setRenderHint(QPainter::Antialiasing);
+    const QRectF r = QRectF(rect()).adjusted(ui.s(6), 1, -ui.s(6), -1);
+    if (m_on) {
+        p.setBrush(Chrome::metal(r));
+        QColor edge = t.accent;
+        edge.setAlphaF(0.6);
+        p.setPen(QPen(edge, 1));
+        p.drawRoundedRect(r, ui.s(8), ui.s(8));
+    } else if (m_hover) {
+        QColor wash = t.raised;
+        wash.setAlphaF(0.7);
+        p.setBrush(wash);
+        p.setPen(Qt::NoPen);
+        p.drawRoundedRect(r, ui.s(8), ui.s(8));
+    }
+    const int icon = ui.px(16);
+    p.drawPixmap(int(r.left() + ui.s(8)), (height() - icon) / 2,
+                 Icons::pixmap(m_module.symbol, m_on ? t.accent2 : t.accent, icon));
+    p.setFont(ui.font(13, m_on ? QFont::DemiBold : QFont::Medium));
+    p.setPen(m_on ? t.text : t.text.darker(112));
+    const QRectF textRect = r.adjusted(ui.s(8) + icon + ui.s(8), 0, -ui.s(4), 0);
+    p.drawText(textRect, Qt::AlignVCenter | Qt::AlignLeft,
+               p.fontMetrics().elidedText(text(), Qt::ElideRight, int(textRect.width())));
+}
+
+void RailButton::enterEvent(QEnterEvent *e)
+{
+    m_hover = true;
+    update();
+    QAbstractButton::enterEvent(e);
+}
+
+void RailButton::leaveEvent(QEvent *e)
+{
+    m_hover = false;
+    update();
+    QAbstractButton::leaveEvent(e);
+}
+
+ModuleRail::ModuleRail(DB &db, Nav &nav, QWidget *parent)
+    : QScrollArea(parent)
+    , m_db(db)
+    , m_nav(nav)
+    , m_list(nullptr)
+{
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    viewport()->setAutoFillBackground(false);
+    rebuild();
+    connect(&FWUI::shared(), &FWUI::changed, this, [this] {
+        rebuild();
+        updateGeometry();
+    });
+}
+
+QSize ModuleRail::sizeHint() const
+{
+    return {FWUI::shared().px(214), FWUI::shared().px(400)};
+}
+
+void ModuleRail::refresh()
+{
+    if (m_db.role() != m_role)
+        rebuild();
+    for (RailButton *b : std::as_const(m_buttons))
+        b->setOn(b->module().id == m_nav.module());
+}
+
+void ModuleRail::rebuild()
+{
+    const FWUI &ui = FWUI::shared();
+    QColor handle = ui.theme().metalMid;
+    handle.setAlphaF(0.5);
+    // A thin scroll bar of the finish instead of the platform's grey one.
+    verticalScrollBar()->setStyleSheet(
+        QString(u"QScrollBar:vertical { width: %1px; background: transparent; margin: 0; }"
+                u"QScrollBar::handle:vertical { background: %2; border-radius: %3px; min-height: 24px; }"
+                u"QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                u"QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }"_s)
+            .arg(ui.px(6))
+            .arg(handle.name(QColor::HexArgb))
+            .arg(ui.px(3)));
+    m_role = m_db.role();
+    m_buttons.clear();
+    m_groups.clear();
+    m_list = new QWidget;
+    m_list->setAutoFillBackground(false);
+    auto *box = new QVBoxLayout(m_list);
+    box->setContentsMargins(ui.px(4), ui.px(10), ui.px(4), ui.px(10));
+    box->setSpacing(ui.px(1));
+    for (const QString &group : Modules::groups()) {
+        QList<const ModuleDef *> shown;
+        for (const ModuleDef &m : Modules::all())
+            if (m.group == group && Roles::mayOpen(m_role, m))
+                shown.append(&m);
+        if (shown.isEmpty())
+            continue;
+        m_groups.append(group);
+        auto *caption = new FWCaption(group, m_list);
+        caption->setContentsMargins(ui.px(12), m_groups.size() > 1 ? ui.px(12) : 0, 0, ui.px(4));
+        box->addWidget(caption);
+        for (const ModuleDef *m : shown) {
+            auto *b = new RailButton(*m, m_list);
+            b->setOn(m->id == m_nav.module());
+            const QString id = m->id;
+            connect(b, &QAbstractButton::clicked, this, [this, id] { m_nav.setModule(id); });
+            box->addWidget(b);
+            m_buttons.append(b);
+        }
+    }
+    box->addStretch(1);
+    setWidget(m_list); // deletes the previous list
+}
+
+QStringList ModuleRail::moduleIds() const
+{
+    QStringList ids;
+    for (const RailButton *b : m_buttons)
+        ids.append(b->module().id);
+    return ids;
+}
+
+QStringList ModuleRail::groups() const
+{
+    return m_groups;
+}

@@ -1,0 +1,133 @@
+#include "sheets.h"
+
+#include "nav.h"
+
+#include "calc/datefmt.h"
+#include "calc/money.h"
+#include "catalog/modules.h"
+#include "look/buttons.h"
+#include "look/chrome.h"
+#include "look/fwui.h"
+#include "store/db.h"
+
+#include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QFormLayout>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The common frame of a sheet: heading, optional text, a form, and the two buttons.
+QFormLayout *frame(QDialog *d, const QString &heading, const QString &text, const QString &confirm,
+                   const std::function<void()> &onConfirm)
+{
+    const FWUI &ui = FWUI::shared();
+    d->setWindowTitle(heading);
+    d->setWindowModality(Qt::WindowModal);
+    auto *box = new QVBoxLayout(d);
+    box->setContentsMargins(ui.px(22), ui.px(20), ui.px(22), ui.px(18));
+    box->setSpacing(ui.px(12));
+    auto *title = new QLabel(heading, d);
+    title->setFont(ui.font(18, QFont::Bold));
+    box->addWidget(title);
+    if (!text.isEmpty()) {
+        auto *t = new QLabel(text, d);
+        t->setWordWrap(true);
+        t->setFont(ui.font(12.5));
+        box->addWidget(t);
+    }
+    auto *form = new QFormLayout;
+    form->setSpacing(ui.px(8));
+    box->addLayout(form);
+    auto *buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    auto *cancel = new FWChromeButton(u"Cancel"_s, {}, d);
+    auto *ok = new FWChromeButton(confirm, {}, d);
+    ok->setObjectName(u"confirm"_s);
+    ok->setProminent(true);
+    buttons->addWidget(cancel);
+    buttons->addWidget(ok);
+    box->addLayout(buttons);
+    QObject::connect(cancel, &QAbstractButton::clicked, d, &QDialog::reject);
+    QObject::connect(ok, &QAbstractButton::clicked, d, [onConfirm] { onConfirm(); });
+    d->setMinimumWidth(ui.px(420));
+    return form;
+}
+
+QLineEdit *input(QDialog *d, const QString &name, const QString &placeholder)
+{
+    auto *e = new QLineEdit(d);
+    e->setObjectName(name);
+    e->setPlaceholderText(placeholder);
+    e->setFont(FWUI::shared().font(13));
+    return e;
+}
+
+} // namespace
+
+NewProjectSheet::NewProjectSheet(DB &db, Nav &nav, QWidget *parent)
+    : QDialog(parent)
+    , m_db(db)
+    , m_nav(nav)
+    , m_name(input(this, u"name"_s, u"e.g. Monument Ridge Clubhouse"_s))
+    , m_type(new QComboBox(this))
+    , m_contract(input(this, u"contract"_s, u"$0.00"_s))
+{
+    m_type->setObjectName(u"type"_s);
+    if (const ModuleDef *m = Modules::get(u"projects"))
+        if (const FD *fd = m->field(u"type"))
+            m_type->addItems(fd->type.options);
+    m_type->setCurrentText(u"Commercial"_s);
+    QFormLayout *form = frame(this, u"New Project"_s, {}, u"Create Project"_s, [this] { create(); });
+    form->addRow(u"Project name"_s, m_name);
+    form->addRow(u"Type"_s, m_type);
+    form->addRow(u"Original contract"_s, m_contract);
+}
+
+void NewProjectSheet::create()
+{
+    const QString name = m_name->text();
+    const MoneyParse contract = Money::parseChecked(m_contract->text());
+    Fields f;
+    f.insert(u"name"_s, name.isEmpty() ? u"New Project"_s : name);
+    f.insert(u"type"_s, m_type->currentText());
+    f.insert(u"status"_s, u"Active"_s);
+    f.insert(u"retainage"_s, u"10"_s);
+    // A count, not a maximum: after a deletion a number may repeat.
+    f.insert(u"number"_s, QString::asprintf("%03lld", (long long)m_db.count(u"project"_s) + 1));
+    f.insert(u"contract"_s, QString::number(contract.ok() ? contract.cents : 0));
+    f.insert(u"start"_s, DateFmt::iso(DateFmt::today()));
+    const Rec p = m_db.add(u"project"_s, {}, {}, f);
+    m_nav.setProjectID(p.id);
+    m_nav.setSelected(u"projects"_s, p.id);
+    m_nav.setModule(u"projects"_s);
+    accept();
+}
+
+NewCompanySheet::NewCompanySheet(DB &db, Nav &nav, QWidget *parent)
+    : QDialog(parent)
+    , m_db(db)
+    , m_nav(nav)
+    , m_name(input(this, u"name"_s, u"Your company"_s))
+    , m_owner(input(this, u"owner"_s, u"Your name"_s))
+{
+    QFormLayout *form = frame(this, u"New Company"_s,
+                              u"Each company keeps its own projects, contacts, team and cost codes."_s,
+                              u"Create Company"_s, [this] { create(); });
+    form->addRow(u"Company name"_s, m_name);
+    form->addRow(u"Your name (owner)"_s, m_owner);
+}
+
+void NewCompanySheet::create()
+{
+    const QString name = m_name->text();
+    const QString owner = m_owner->text();
+    m_db.createCompany(name.isEmpty() ? u"My Company"_s : name, owner.isEmpty() ? u"Owner"_s : owner,
+                       u"CO"_s);
+    m_nav.setProjectID({});
+    m_nav.setModule(u"hub"_s);
+    accept();
+}
