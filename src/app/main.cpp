@@ -3,6 +3,7 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
+#include <QtGui/QGuiApplication>
 
 #include <cstdio>
 
@@ -10,7 +11,12 @@ using namespace Qt::StringLiterals;
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
+    // A verb (or --help) lays out and draws
+    // documents with no display; the window keeps the platform it is given.
+    const bool verbNamed = argc > 1;
+    if (verbNamed && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
     QCoreApplication::setOrganizationName(u"Fenwright"_s);
     QCoreApplication::setApplicationName(u"Trestle"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(TRESTLE_VERSION));

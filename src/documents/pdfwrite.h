@@ -3,6 +3,8 @@
 #include <QtGui/QPageLayout>
 
 class DB;
+struct ModuleDef;
+struct Rec;
 class PagedDocument;
 class QTextDocument;
 
@@ -29,6 +31,10 @@ bool write(const DB &db, const QTextDocument &text, const QString &path,
 bool save(const DB &db, const QTextDocument &text, const QString &path);
 // Imports `html` with the closing credit through the page shell and saves it as a PDF.
 bool saveHTML(const DB &db, const QString &html, const QString &path);
+// Saves the PDF of one record: a document's body, any other record's document.
+bool record(const DB &db, const ModuleDef &def, const Rec &rec, const QString &path);
+// Saves the client proposal of an estimate.
+bool proposal(const DB &db, const Rec &estimate, const QString &path);
 // Writes `text` as a Word document (.docx).
 bool saveWord(const QTextDocument &text, const QString &path);
 
