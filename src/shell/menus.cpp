@@ -35,7 +35,7 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
     m->addSeparator();
     m->addAction(u"Page Setup…"_s, QKeySequence(u"Ctrl+Shift+P"_s), w, [w] { PrintSetup::pageSetup(w); });
     QAction *print =
-        m->addAction(u"Print…"_s, QKeySequence(u"Ctrl+P"_s), w, [] { PrintCenter::shared().print(); });
+        m->addAction(u"Print…"_s, QKeySequence(u"Ctrl+P"_s), w, [w] { PrintCenter::shared().print(w); });
     print->setObjectName(u"print"_s);
     print->setEnabled(PrintCenter::shared().hasJob());
     QObject::connect(&PrintCenter::shared(), &PrintCenter::hasJobChanged, print, &QAction::setEnabled);

@@ -1,15 +1,22 @@
 #include "printbutton.h"
 
+#include "printengine.h"
+
 using namespace Qt::StringLiterals;
 
-PrintButton::PrintButton(const QString &title, const std::function<void()> &print, bool compact,
-                         bool prominent, QWidget *parent)
+PrintButton::PrintButton(const PrintJob &job, bool compact, bool prominent, QWidget *parent)
     : FWChromeButton(u"Print"_s, u"printer.fill"_s, parent)
 {
     setCompact(compact);
     setProminent(prominent);
-    setToolTip(help(title));
-    connect(this, &QAbstractButton::clicked, this, [print] { print(); });
+    setJob(job);
+    connect(this, &QAbstractButton::clicked, this, [this] { PrintEngine::run(m_job, window()); });
+}
+
+void PrintButton::setJob(const PrintJob &job)
+{
+    m_job = job;
+    setToolTip(help(job.title));
 }
 
 QString PrintButton::help(const QString &title)

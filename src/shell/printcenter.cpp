@@ -1,9 +1,10 @@
 #include "printcenter.h"
 
+#include "printengine.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
 #include <QtCore/QTimer>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
 
 PrintCenter::PrintCenter(QObject *parent)
@@ -16,9 +17,9 @@ PrintCenter &PrintCenter::shared()
     return *center;
 }
 
-void PrintCenter::put(const QUuid &id, int level, const QString &title, const std::function<void()> &print)
+void PrintCenter::put(const QUuid &id, int level, const PrintJob &job)
 {
-    m_jobs.insert(id, {level, ++m_seq, title, print});
+    m_jobs.insert(id, {level, ++m_seq, job});
     refresh();
 }
 
@@ -32,7 +33,14 @@ void PrintCenter::retitle(const QUuid &id, const QString &title)
 {
     auto it = m_jobs.find(id);
     if (it != m_jobs.end())
-        it->title = title;
+        it->job.title = title;
+}
+
+void PrintCenter::replace(const QUuid &id, const PrintJob &job)
+{
+    auto it = m_jobs.find(id);
+    if (it != m_jobs.end())
+        it->job = job;
 }
 
 std::optional<PrintEntry> PrintCenter::front() const
@@ -44,14 +52,14 @@ std::optional<PrintEntry> PrintCenter::front() const
     return best ? std::optional<PrintEntry>(*best) : std::nullopt;
 }
 
-void PrintCenter::print()
+void PrintCenter::print(QWidget *parent)
 {
     const std::optional<PrintEntry> e = front();
-    if (!e || !e->print) {
-        QApplication::beep();
+    if (!e) {
+        PrintEngine::beep();
         return;
     }
-    e->print();
+    PrintEngine::run(e->job, parent);
 }
 
 void PrintCenter::refresh()
@@ -66,18 +74,16 @@ void PrintCenter::refresh()
     });
 }
 
-Printable::Printable(QWidget *screen, int level, const QString &title, const std::function<void()> &print,
-                     PrintCenter &center)
+Printable::Printable(QWidget *screen, int level, const PrintJob &job, PrintCenter &center)
     : QObject(screen)
     , m_center(center)
     , m_level(level)
-    , m_title(title)
-    , m_print(print)
+    , m_job(job)
 {
     screen->installEventFilter(this);
     if (screen->isVisible()) {
         m_in = true;
-        m_center.put(m_id, m_level, m_title, m_print);
+        m_center.put(m_id, m_level, m_job);
     }
 }
 
@@ -89,15 +95,21 @@ Printable::~Printable()
 
 void Printable::setTitle(const QString &title)
 {
-    m_title = title;
+    m_job.title = title;
     m_center.retitle(m_id, title);
+}
+
+void Printable::setJob(const PrintJob &job)
+{
+    m_job = job;
+    m_center.replace(m_id, job);
 }
 
 bool Printable::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Show && !m_in) {
         m_in = true;
-        m_center.put(m_id, m_level, m_title, m_print);
+        m_center.put(m_id, m_level, m_job);
     } else if (event->type() == QEvent::Hide && m_in) {
         m_in = false;
         m_center.remove(m_id);

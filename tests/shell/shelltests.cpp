@@ -1,5 +1,5 @@
 // The frame of the window on a private store: rail and refusal by role,
-// header menus, the creation sheets, the print centre and the first run.
+// header menus, the creation sheets and the first run.
 #include "testmain.h"
 
 #include "calc/datefmt.h"
@@ -9,7 +9,6 @@
 #include "shell/modulearea.h"
 #include "shell/modulerail.h"
 #include "shell/nav.h"
-#include "shell/printcenter.h"
 #include "shell/sheets.h"
 #include "shell/tlapp.h"
 #include "shell/tlmain.h"
@@ -295,49 +294,6 @@ private Q_SLOTS:
         QCOMPARE(main.refreshCount(), before);
         QCoreApplication::processEvents();
         QCOMPARE(main.refreshCount(), before + 1);
-    }
-
-    void frontMostPrintJobWins_data()
-    {
-        QTest::addColumn<QList<int>>("levels"); // in order of appearance
-        QTest::addColumn<int>("winner");
-        QTest::newRow("deeper level wins") << QList<int>{2, 0, 1} << 0;
-        QTest::newRow("latest among equals") << QList<int>{1, 1, 0} << 1;
-        QTest::newRow("single") << QList<int>{0} << 0;
-    }
-    void frontMostPrintJobWins()
-    {
-        QFETCH(QList<int>, levels);
-        QFETCH(int, winner);
-        PrintCenter center;
-        QList<QUuid> ids;
-        int printed = -1;
-        for (int i = 0; i < levels.size(); ++i) {
-            ids.append(QUuid::createUuid());
-            center.put(ids.last(), levels[i], QString::number(i), [&printed, i] { printed = i; });
-        }
-        center.print();
-        QCOMPARE(printed, winner);
-        QCOMPARE(center.front()->title, QString::number(winner));
-        // When the winner leaves, the next in line takes over; with none left Print has nothing.
-        for (const QUuid &id : ids)
-            center.remove(id);
-        QVERIFY(!center.front());
-        QTRY_VERIFY(!center.hasJob());
-    }
-
-    void printableFollowsVisibility()
-    {
-        PrintCenter center;
-        QWidget screen;
-        new Printable(
-            &screen, 1, u"Contacts Log"_s, [] {}, center);
-        QVERIFY(!center.front());
-        screen.show();
-        QCOMPARE(center.front()->title, u"Contacts Log"_s);
-        QTRY_VERIFY(center.hasJob());
-        screen.hide();
-        QVERIFY(!center.front());
     }
 
     void firstRunLoadsSampleOnce()
