@@ -1,6 +1,7 @@
 #include "fileactions.h"
 
 #include "calc/datefmt.h"
+#include "documents/printlogo.h"
 #include "interchange/backup.h"
 #include "look/alert.h"
 #include "store/db.h"
@@ -105,10 +106,24 @@ void exportCSV(QWidget *parent, DB &db)
         reveal(result.folder);
 }
 
+OpenFile &openFileHook()
+{
+    static OpenFile hook;
+    return hook;
+}
+
 void chooseLogo(QWidget *parent, DB &db)
 {
-    Q_UNUSED(parent);
-    Q_UNUSED(db);
+    const QString message = PrintLogo::kChooseMessage.toString();
+    const QString filter =
+        u"Images and PDF (*.png *.jpg *.jpeg *.tif *.tiff *.heic *.heif *.pdf *.svg *.gif *.bmp)"_s;
+    const QString path = openFileHook()
+                             ? openFileHook()(parent, message, filter)
+                             : QFileDialog::getOpenFileName(parent, message, QDir::homePath(), filter);
+    if (path.isEmpty())
+        return;
+    if (!PrintLogo::install(db, path))
+        FWAlert::show(parent, PrintLogo::kUnreadableTitle.toString(), PrintLogo::kUnreadableText.toString());
 }
 
 void reveal(const QString &path)

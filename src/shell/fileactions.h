@@ -1,4 +1,7 @@
 #pragma once
+#include <QtCore/QString>
+
+#include <functional>
 
 class DB;
 class QWidget;
@@ -12,8 +15,12 @@ void backupAll(QWidget *parent, DB &db);
 void restore(QWidget *parent, DB &db);
 // Writes the current company's records as CSV files into a chosen folder and shows it.
 void exportCSV(QWidget *parent, DB &db);
-// Lets the user choose the company logo for printouts.
+// Lets the user choose the company logo for printouts; says so when the file cannot be read.
 void chooseLogo(QWidget *parent, DB &db);
+// Asks for one file to open: parent, message, name filter; the path, or empty when cancelled.
+using OpenFile = std::function<QString(QWidget *, const QString &, const QString &)>;
+// The file chooser of chooseLogo(); empty means the native dialog. Tests put their own here.
+OpenFile &openFileHook();
 // Shows `path` in the file manager, or opens its folder when no file manager answers.
 void reveal(const QString &path);
 } // namespace FileActions
