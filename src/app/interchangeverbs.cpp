@@ -1,6 +1,7 @@
 // The interchange verbs: the sample company, the QuickBooks and CSV exports,
 // and backup and restore of the data folder, for scripts and nightly jobs.
 #include "calc/datefmt.h"
+#include "documents/samplefiles.h"
 #include "interchange/backup.h"
 #include "interchange/qb.h"
 #include "interchange/sample.h"
@@ -31,7 +32,7 @@ int sample(const QStringList &args, QTextStream &out, QTextStream &err)
 {
     if (!args.isEmpty())
         return usage(err, u"sample"_s);
-    const Rec company = Sample::create(DB::shared());
+    const Rec company = Sample::create(DB::shared(), SampleDocs::files());
     out << "Created " << company.f.value(u"name") << " (" << company.id << ")\n";
     return 0;
 }

@@ -1,6 +1,10 @@
 #pragma once
+#include "printsource.h"
+
 #include <QtCore/QString>
 #include <QtGui/QPageLayout>
+
+#include <optional>
 
 class DB;
 struct ModuleDef;
@@ -33,6 +37,8 @@ bool save(const DB &db, const QTextDocument &text, const QString &path);
 bool saveHTML(const DB &db, const QString &html, const QString &path);
 // Saves the PDF of one record: a document's body, any other record's document.
 bool record(const DB &db, const ModuleDef &def, const Rec &rec, const QString &path);
+// A plan sheet's PDF as it stands, captioned with its number and title; nothing when the file is missing.
+std::optional<PrintSource> sheetSource(const DB &db, const Rec &sheet);
 // Saves the client proposal of an estimate.
 bool proposal(const DB &db, const Rec &estimate, const QString &path);
 // Writes `text` as a Word document (.docx).

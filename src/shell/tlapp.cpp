@@ -5,6 +5,7 @@
 #include "tlmain.h"
 #include "tlwindow.h"
 
+#include "documents/samplefiles.h"
 #include "interchange/sample.h"
 #include "look/fwui.h"
 #include "store/db.h"
@@ -45,7 +46,7 @@ void showHelp(QWidget *parent)
 
 void loadSample(DB &db)
 {
-    Sample::create(db);
+    Sample::create(db, SampleDocs::files());
 }
 
 void ensureCompany(DB &db)
