@@ -19,7 +19,7 @@ namespace {
 
 // Drawn at 1/8" = 1'-0": one foot of building is 9 points of paper.
 constexpr double kFoot = 9;
-constexpr double kOriginX = 150, kOriginY = 170; // top left corner of the building on the sheet
+constexpr double kOriginX = 190, kOriginY = 250; // top left corner of the building on the sheet
 
 QPointF at(double xFeet, double yFeet)
 {
@@ -92,7 +92,7 @@ void grid(QPainter &p)
     p.setFont(font(12, true));
     const QList<double> columns{0, 30, 60, 90, 120};
     for (int i = 0; i < columns.size(); ++i) {
-        const QPointF top = at(columns[i], -14), bottom = at(columns[i], 86);
+        const QPointF top = at(columns[i], -15), bottom = at(columns[i], 86);
         p.setPen(pen);
         p.drawLine(top + QPointF(0, 14), bottom);
         p.setPen(QPen(Qt::black, 1));
@@ -101,9 +101,9 @@ void grid(QPainter &p)
     }
     const QList<double> rows{0, 40, 80};
     for (int i = 0; i < rows.size(); ++i) {
-        const QPointF left = at(-14, rows[i]);
+        const QPointF left = at(-12, rows[i]);
         p.setPen(pen);
-        p.drawLine(left + QPointF(14, 0), at(124, rows[i]));
+        p.drawLine(left + QPointF(14, 0), at(122, rows[i]));
         p.setPen(QPen(Qt::black, 1));
         p.drawEllipse(left, 12, 12);
         p.drawText(QRectF(left - QPointF(12, 12), QSizeF(24, 24)), Qt::AlignCenter, QString::number(i + 1));
@@ -150,7 +150,7 @@ void building(QPainter &p)
     p.setPen(QPen(Qt::black, 1));
     p.drawRect(room(72, 2, 46, 3));
     p.drawRect(room(115, 5, 3, 30));
-    p.drawRect(room(82, 20, 20, 5));
+    p.drawRect(room(78, 33, 20, 4));
 
     label(p, room(0, 0, 70, 62), u"GREAT ROOM"_s, u"70' × 62'"_s);
     label(p, room(70, 0, 50, 45), u"KITCHEN"_s, u"50' × 45'"_s);
@@ -159,12 +159,12 @@ void building(QPainter &p)
     p.setFont(font(12, true));
     p.drawText(room(0, 62, 28, 18), Qt::AlignCenter, u"RESTROOMS"_s);
 
-    dimension(p, at(0, -26), at(120, -26), feet(120));
-    dimension(p, at(0, -20), at(70, -20), feet(70));
-    dimension(p, at(70, -20), at(120, -20), feet(50));
-    dimension(p, at(136, 0), at(136, 80), feet(80));
-    dimension(p, at(130, 0), at(130, 45), feet(45));
-    dimension(p, at(130, 45), at(130, 80), feet(35));
+    dimension(p, at(0, -10), at(120, -10), feet(120));
+    dimension(p, at(0, -5), at(70, -5), feet(70));
+    dimension(p, at(70, -5), at(120, -5), feet(50));
+    dimension(p, at(128, 0), at(128, 80), feet(80));
+    dimension(p, at(124.5, 0), at(124.5, 45), feet(45));
+    dimension(p, at(124.5, 45), at(124.5, 80), feet(35));
 }
 
 void northArrow(QPainter &p, QPointF c)
@@ -238,7 +238,7 @@ bool samplePlan(const QString &path)
         titleBlock(p, block);
         grid(p);
         building(p);
-        northArrow(p, QPointF(block.left() - 90, border.top() + 90));
+        northArrow(p, QPointF(block.left() - 70, border.bottom() - 90));
         p.setFont(font(14, true));
         p.drawText(QPointF(kOriginX, border.bottom() - 40), u"FLOOR PLAN"_s);
         p.setFont(font(10));

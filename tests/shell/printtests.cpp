@@ -13,6 +13,8 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QTimer>
+#include <QtPrintSupport/QPrintPreviewDialog>
+#include <QtPrintSupport/QPrintPreviewWidget>
 #include <QtPrintSupport/QPrinter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
@@ -213,6 +215,31 @@ private Q_SLOTS:
         const QSizeF size = pdf.pageSize(0);
         QCOMPARE(size.width() > size.height(), orientation == QPageLayout::Landscape);
         QVERIFY(pdf.text(0).contains(u"Page "_s + QString::number(rangeFrom ? rangeFrom : 1) + u" of "_s));
+    }
+
+    // The real preview: its pages are the engine's, and turning the paper re-paginates.
+    void previewRepaginatesOnOrientation()
+    {
+        PrintEngine::dialogHook() = nullptr;
+        int portrait = 0, landscape = 0;
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, this, [&] {
+            auto *dialog = qobject_cast<QPrintPreviewDialog *>(QApplication::activeModalWidget());
+            auto *preview = dialog ? dialog->findChild<QPrintPreviewWidget *>() : nullptr;
+            if (!preview || preview->pageCount() == 0)
+                return;
+            portrait = preview->pageCount();
+            preview->setLandscapeOrientation();
+            preview->updatePreview();
+            landscape = preview->pageCount();
+            if (const QString keep = qEnvironmentVariable("TRESTLE_KEEP_PREVIEW"); !keep.isEmpty())
+                dialog->grab().save(keep);
+            dialog->reject();
+        });
+        poll.start(50);
+        PrintEngine::run(htmlJob(u"Daily Logs Log"_s, paragraphs(120)));
+        QVERIFY(portrait >= 3);
+        QVERIFY(landscape > portrait);
     }
 
     void logoCommand_data()
