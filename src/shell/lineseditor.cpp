@@ -158,11 +158,16 @@ LinesEditor::LinesEditor(DB &db, const QString &parentId, const QString &kind, c
     connect(m_add, &QAbstractButton::clicked, this, &LinesEditor::add);
 
     QHBoxLayout *head = columnsLayout(m_header);
-    for (const FD &fd : fields)
-        head->addWidget(new FWCaption(fd.label, m_header), columnWidth(fd) > 0 ? 0 : 1);
+    for (const FD &fd : fields) {
+        auto *caption = new FWCaption(fd.label, m_header);
+        // A long label over a narrow column wraps rather than being cut off.
+        caption->setWordWrap(true);
+        caption->setAlignment(Qt::AlignLeft | Qt::AlignBottom);
+        head->addWidget(caption, columnWidth(fd) > 0 ? 0 : 1);
+    }
     if (hasAmount(fields)) {
         auto *amount = new FWCaption(u"Amount"_s, m_header);
-        amount->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        amount->setAlignment(Qt::AlignRight | Qt::AlignBottom);
         head->addWidget(amount);
     }
     head->addSpacing(0); // the remove column, sized in restyle

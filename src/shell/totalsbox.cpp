@@ -61,7 +61,7 @@ void TotalsBox::setOverlay(const QString &text)
 {
     m_overlay->setText(text);
     m_overlay->setVisible(!text.isEmpty());
-    placeOverlay();
+    restyle();
 }
 
 QString TotalsBox::overlay() const
@@ -73,7 +73,9 @@ void TotalsBox::restyle()
 {
     const FWUI &ui = FWUI::shared();
     const FWTheme &t = ui.theme();
-    m_grid->setContentsMargins(ui.px(14), ui.px(10), ui.px(14), ui.px(10));
+    // The overlay has a line of its own above the rows, so it never covers an amount.
+    const int top = m_overlay->text().isEmpty() ? ui.px(10) : ui.px(24);
+    m_grid->setContentsMargins(ui.px(14), top, ui.px(14), ui.px(10));
     m_grid->setHorizontalSpacing(ui.px(16));
     m_grid->setVerticalSpacing(ui.px(5));
     const qsizetype last = m_labels.size() - 1;
@@ -101,7 +103,7 @@ void TotalsBox::placeOverlay()
 {
     const FWUI &ui = FWUI::shared();
     m_overlay->adjustSize();
-    m_overlay->move(width() - m_overlay->width() - ui.px(10), ui.px(4));
+    m_overlay->move(width() - m_overlay->width() - ui.px(14), ui.px(7));
     m_overlay->raise();
 }
 
