@@ -1,0 +1,82 @@
+#include "notice.h"
+
+#include "look/fwui.h"
+#include "look/icons.h"
+
+#include <QtGui/QPainter>
+#include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QLabel>
+
+using namespace Qt::StringLiterals;
+
+Notice::Notice(const QString &text, const QColor &color, const QString &symbol, QWidget *parent)
+    : QFrame(parent)
+    , m_color(color)
+    , m_symbol(symbol)
+    , m_icon(new QLabel(this))
+    , m_text(new QLabel(text, this))
+{
+    auto *row = new QHBoxLayout(this);
+    row->addWidget(m_icon, 0, Qt::AlignTop);
+    row->addWidget(m_text, 1);
+    m_text->setWordWrap(true);
+    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    restyle();
+    connect(&FWUI::shared(), &FWUI::changed, this, &Notice::restyle);
+}
+
+QColor Notice::red()
+{
+    return QColor(0xe5, 0x48, 0x4d);
+}
+
+QColor Notice::orange()
+{
+    return QColor(0xf0, 0x8c, 0x2e);
+}
+
+void Notice::setText(const QString &text)
+{
+    if (m_text->text() != text)
+        m_text->setText(text);
+}
+
+QString Notice::text() const
+{
+    return m_text->text();
+}
+
+void Notice::setColor(const QColor &color)
+{
+    if (color == m_color)
+        return;
+    m_color = color;
+    restyle();
+}
+
+void Notice::restyle()
+{
+    const FWUI &ui = FWUI::shared();
+    layout()->setContentsMargins(ui.px(12), ui.px(9), ui.px(12), ui.px(9));
+    layout()->setSpacing(ui.px(9));
+    m_icon->setPixmap(Icons::pixmap(m_symbol, m_color, ui.px(16)));
+    m_text->setFont(ui.font(12, QFont::Medium));
+    QPalette p = m_text->palette();
+    p.setColor(QPalette::WindowText, ui.theme().text);
+    m_text->setPalette(p);
+    update();
+}
+
+void Notice::paintEvent(QPaintEvent *)
+{
+    const FWUI &ui = FWUI::shared();
+    QPainter p(this);
+    p.setRenderHint(QPainter::Antialiasing);
+    QColor fill = m_color;
+    fill.setAlphaF(0.14);
+    QColor edge = m_color;
+    edge.setAlphaF(0.45);
+    p.setBrush(fill);
+    p.setPen(QPen(edge, 1));
+    p.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), ui.s(9), ui.s(9));
+}
