@@ -1,6 +1,10 @@
 // The benchmark: builds (or reuses) the reference company and prints one line
 // per figure, so two builds can be compared side by side.
 #include "calcbench.h"
+#ifdef TRESTLE_DOCBENCH
+#include "docbench.h"
+#include <QtGui/QGuiApplication>
+#endif
 #include "flowbench.h"
 #include "generator.h"
 #include "interbench.h"
@@ -222,13 +226,21 @@ void runFigures(const QString &path, int runs)
     runCalcBench(db, runs, out());
     runFlowBench(db, runs, out());
     runInterchangeBench(db, path, runs, out());
+#ifdef TRESTLE_DOCBENCH
+    runDocBench(db, runs, out());
+#endif
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
+#ifdef TRESTLE_DOCBENCH
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // documents are laid out with no display
+    QGuiApplication app(argc, argv);
+#else
     QCoreApplication app(argc, argv);
+#endif
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Measures the record store on a generated reference company."_s);
     parser.addHelpOption();

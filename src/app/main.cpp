@@ -5,6 +5,7 @@
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
+#include <QtGui/QGuiApplication>
 
 #include <cstdio>
 
@@ -15,7 +16,10 @@ int main(int argc, char *argv[])
     // No verb: the window. Later layers register their screens and help pages before this.
     if (TLApp::wantsWindow(argc, argv))
         return TLApp::run(argc, argv);
-    QCoreApplication app(argc, argv);
+    // A verb (or --help) lays out and draws documents with no display.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
     QCoreApplication::setOrganizationName(u"Fenwright"_s);
     QCoreApplication::setApplicationName(u"Trestle"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(TRESTLE_VERSION));

@@ -1,0 +1,71 @@
+#include "docbench.h"
+
+#include "catalog/modules.h"
+#include "documents/payhtml.h"
+#include "documents/pdfwrite.h"
+#include "documents/printreports.h"
+#include "store/db.h"
+
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QTextStream>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+constexpr double kLog200TargetMs = 200, kLog2000TargetMs = 1500, kPayTargetMs = 300;
+
+template<class Fn> void figure(QTextStream &out, int runs, const QString &name, const QString &note, Fn &&fn)
+{
+    std::vector<double> ms;
+    for (int k = 0; k < runs; ++k) {
+        QElapsedTimer t;
+        t.start();
+        fn();
+        ms.push_back(double(t.nsecsElapsed()) / 1e6);
+    }
+    std::sort(ms.begin(), ms.end());
+    const size_t n = ms.size();
+    const double median = n % 2 ? ms[n / 2] : (ms[n / 2 - 1] + ms[n / 2]) / 2;
+    out << name << ": " << QString::number(median, 'f', 1) << " ms (" << QString::number(ms.front(), 'f', 1)
+        << u'–' << QString::number(ms.back(), 'f', 1) << ")  " << note << Qt::endl;
+}
+} // namespace
+
+void runDocBench(const DB &db, int runs, QTextStream &out)
+{
+    QTemporaryDir dir;
+    const ModuleDef *def = nullptr;
+    for (const ModuleDef &d : Modules::all())
+        if (d.kind == u"timecard"_s)
+            def = &d;
+    const QList<Rec> cards = db.list(u"timecard"_s);
+    if (def && !cards.isEmpty()) {
+        for (const auto &[rows, target] :
+             {std::pair{200, kLog200TargetMs}, std::pair{2000, kLog2000TargetMs}}) {
+            const QList<Rec> some = cards.mid(0, rows);
+            figure(out, runs, u"list log to PDF, %1 rows"_s.arg(some.size()), u"target < %1 ms"_s.arg(target),
+                   [&] {
+                       const QString html = PrintReports::listHTML(db, *def, some, std::nullopt);
+                       PDFOut::saveHTML(db, html, dir.filePath(u"log.pdf"_s));
+                   });
+        }
+    }
+    // The application whose project's schedule of values is nearest 50 lines.
+    std::optional<Rec> app;
+    qsizetype best = -1;
+    for (const Rec &p : db.list(u"project"_s)) {
+        const qsizetype n = db.count(u"sov_line"_s, {.project = p.id});
+        const QList<Rec> apps = db.list(u"pay_app"_s, {.project = p.id});
+        if (!apps.isEmpty() && (best < 0 || std::abs(n - 50) < std::abs(best - 50))) {
+            best = n;
+            app = apps.last();
+        }
+    }
+    if (app)
+        figure(out, runs, u"G702/G703 to PDF"_s,
+               u"[%1 schedule lines]  target < %2 ms"_s.arg(best).arg(kPayTargetMs),
+               [&] { PDFOut::saveHTML(db, PrintReports::payHTML(db, *app), dir.filePath(u"pay.pdf"_s)); });
+}

@@ -1,0 +1,14 @@
+#pragma once
+#include <QtGui/QColor>
+
+class QTextDocument;
+
+// Colour rules shared by every printout.
+namespace PrintEngine {
+// Relative luminance of `colour` in sRGB (0 to 1); a nearly transparent or invalid colour counts as 0.
+double lum(const QColor &colour);
+// Makes `doc` print black on white whatever theme it was written in: light
+// text becomes black, dark fills (of text, paragraphs and table cells) go,
+// and pale fills such as a table's header band stay.
+void blackOnWhite(QTextDocument &doc);
+} // namespace PrintEngine

@@ -1,0 +1,235 @@
+// The paged engine, judged by the text of each page of the PDFs it writes.
+#include "documents/doctemplates.h"
+#include "documents/printengine.h"
+#include "pdfcheck.h"
+#include "store/db.h"
+#include "testmain.h"
+
+#include <QtGui/QTextBlock>
+#include <QtGui/QTextCursor>
+#include <QtGui/QTextDocument>
+#include <QtGui/QTextTable>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+// Numbered words, enough to fill several pages as running text.
+QString words(const QString &prefix, int n)
+{
+    QStringList w;
+    for (int i = 1; i <= n; ++i)
+        w << prefix + u"%1"_s.arg(i, 4, 10, QChar(u'0'));
+    return w.join(u' ');
+}
+
+// A table whose rows hold 1 to 4 lines; every word of row n is tagged with n.
+QString variedTable(int rows)
+{
+    QString html = u"<table width='100%' border=1 cellspacing=0 cellpadding=4 "
+                   u"style='border-collapse:collapse'><tr style='background:#e8e8ee'><th align=left>Row</th>"
+                   u"<th align=left>Lines</th></tr>"_s;
+    for (int r = 1; r <= rows; ++r) {
+        QStringList lines;
+        for (int k = 0; k <= r % 4; ++k)
+            lines << u"r%1k%2"_s.arg(r, 3, 10, QChar(u'0')).arg(k);
+        html += u"<tr><td>r%1</td><td>%2</td></tr>"_s.arg(r, 3, 10, QChar(u'0')).arg(lines.join(u"<br>"_s));
+    }
+    return html + u"</table>"_s;
+}
+
+// The page on which every word starting with `prefix` stands, or -1 when they
+// are split over pages or missing.
+int pageOf(const QList<QStringList> &pages, const QString &prefix, int expected)
+{
+    int page = -1, seen = 0;
+    for (int p = 0; p < pages.size(); ++p)
+        for (const QString &w : pages.at(p))
+            if (w.startsWith(prefix)) {
+                if (page >= 0 && page != p)
+                    return -1;
+                page = p;
+                ++seen;
+            }
+    return seen == expected ? page : -1;
+}
+} // namespace
+
+class PagingTests : public QObject
+{
+    Q_OBJECT
+    DB db;
+    QTemporaryDir dir;
+
+private Q_SLOTS:
+    void initTestCase() { db.createCompany(u"Acme"_s, u"Ann"_s, u"CA"_s); }
+
+    void rowsNeverSplit()
+    {
+        PagedDocument pages(db, PrintSource::fromHtml(variedTable(200)), u"Log"_s);
+        const auto text = PdfCheck::written(pages, dir, u"rows.pdf"_s);
+        QVERIFY(text.size() >= 4);
+        QCOMPARE(text.size(), pages.pageCount());
+        int last = 0;
+        for (int r = 1; r <= 200; ++r) {
+            const QString tag = u"r%1"_s.arg(r, 3, 10, QChar(u'0'));
+            const int page = pageOf(text, tag, 1 + (r % 4) + 1);
+            QVERIFY2(page >= 0, qPrintable(tag + u" is split or missing"_s));
+            QVERIFY(page >= last);
+            last = page;
+        }
+    }
+
+    void runningTextBreaksBetweenLines()
+    {
+        // Every word once and in order: no line lost at a break and none printed on two pages.
+        const QString html = u"<p>"_s + words(u"a"_s, 900) + u"</p>"_s + variedTable(30) + u"<p>"_s +
+                             words(u"z"_s, 900) + u"</p>"_s;
+        PagedDocument pages(db, PrintSource::fromHtml(html), u"Doc"_s);
+        const auto text = PdfCheck::written(pages, dir);
+        QVERIFY(text.size() >= 3);
+        QStringList all;
+        for (const QStringList &page : text)
+            for (const QString &w : page)
+                if ((w.startsWith(u'a') || w.startsWith(u'z')) && w.size() == 5)
+                    all << w;
+        QCOMPARE(all, QString(words(u"a"_s, 900) + u' ' + words(u"z"_s, 900)).split(u' '));
+    }
+
+    void tallRowIsCutInPlace_data()
+    {
+        QTest::addColumn<int>("linesBefore");
+        QTest::newRow("row at the page top") << 0;
+        QTest::newRow("row lower down") << 8;
+    }
+    void tallRowIsCutInPlace()
+    {
+        QFETCH(int, linesBefore);
+        QString html;
+        for (int i = 0; i < linesBefore; ++i)
+            html += u"<p>before%1</p>"_s.arg(i);
+        QStringList lines;
+        for (int i = 0; i < 90; ++i)
+            lines << u"tall%1"_s.arg(i, 2, 10, QChar(u'0'));
+        html += u"<table border=1 cellpadding=2><tr><td>"_s + lines.join(u"<br>"_s) + u"</td></tr></table>"_s;
+        PagedDocument pages(db, PrintSource::fromHtml(html), u"Doc"_s);
+        const auto text = PdfCheck::written(pages, dir);
+        QVERIFY(text.size() >= 2);
+        QVERIFY(text.at(0).contains(u"tall00"_s)); // not pushed to page 2
+        QStringList seen;
+        for (const QStringList &page : text)
+            for (const QString &w : page)
+                if (w.startsWith(u"tall"_s))
+                    seen << w;
+        QCOMPARE(seen, lines);
+    }
+
+    void emptyTextHasOnePageWithFooter()
+    {
+        auto doc = std::make_shared<QTextDocument>();
+        PagedDocument pages(db, PrintSource::fromDocument(doc), u"Empty"_s, PDFOut::savedFooter());
+        const auto text = PdfCheck::written(pages, dir);
+        QCOMPARE(text.size(), 1);
+        const QString joined = text.at(0).join(u' ');
+        QVERIFY(joined.contains(u"Page 1 of 1"_s));
+        QVERIFY(joined.contains(PDFOut::kMakerAddress.toString()));
+    }
+
+    void continuationTitleFromPageTwo()
+    {
+        PagedDocument pages(db, PrintSource::fromHtml(u"<p>"_s + words(u"w"_s, 1500) + u"</p>"_s),
+                            u"Zebracontinued"_s);
+        const auto text = PdfCheck::written(pages, dir);
+        QVERIFY(text.size() >= 2);
+        QVERIFY(!text.at(0).contains(u"Zebracontinued"_s));
+        for (int p = 1; p < text.size(); ++p)
+            QVERIFY(text.at(p).contains(u"Zebracontinued"_s));
+        QVERIFY(text.last().contains(u"Page"_s));
+        QCOMPARE(text.last().mid(text.last().lastIndexOf(u"Page"_s)).join(u' '),
+                 u"Page %1 of %1"_s.arg(text.size()));
+    }
+
+    void landscapeRepaginates()
+    {
+        PagedDocument pages(db, PrintSource::fromHtml(variedTable(120)), u"Log"_s);
+        const int portrait = pages.pageCount();
+        pages.layout(PagedDocument::letter(QPageLayout::Landscape));
+        QCOMPARE(pages.pageSize(), QSizeF(792, 612));
+        QVERIFY(pages.pageCount() > portrait);
+        const QString path = dir.filePath(u"wide.pdf"_s);
+        QVERIFY(PDFOut::writePaged(pages, path));
+        const PdfPages pdf(path);
+        QCOMPARE(pdf.pageCount(), pages.pageCount());
+        QCOMPARE(pdf.pageSize(0).toSize(), QSize(792, 612));
+    }
+
+    void coloursPrintBlackOnWhite()
+    {
+        const auto doc = DocTemplates::attributed(
+            db,
+            u"<table border=1><tr style='background:#e8e8ee'><th>Head</th></tr><tr><td bgcolor='#202040'>"
+            u"<span style='color:#ffffff'>Night</span></td></tr></table><p><span style='color:rgba(255,255,"
+            u"255,0.01)'>ghost</span></p>"_s);
+        PrintEngine::blackOnWhite(*doc);
+        auto *table = qobject_cast<QTextTable *>(doc->rootFrame()->childFrames().value(0));
+        QVERIFY(table);
+        QCOMPARE(table->cellAt(0, 0).format().background().color(), QColor(u"#e8e8ee"_s));
+        QCOMPARE(table->cellAt(1, 0).format().background().style(), Qt::NoBrush);
+        QTextCursor night = doc->find(u"Night"_s);
+        QCOMPARE(night.charFormat().foreground().color(), QColor(Qt::black));
+        // Nearly transparent counts as dark: the text keeps its colour.
+        QCOMPARE(PrintEngine::lum(QColor(255, 255, 255, 5)), 0.0);
+        QCOMPARE(doc->find(u"ghost"_s).charFormat().foreground().color().alpha() < 10, true);
+    }
+
+    void shellHonoursTheSubset()
+    {
+        const auto doc = DocTemplates::attributed(
+            db, u"<table width='100%' border=1 cellspacing=0 cellpadding=2 style='border-collapse:collapse'>"
+                u"<tr><td style='font-size:9.0pt' width=90>Small&nbsp;cell</td></tr></table><hr>"
+                u"<img src='file:///nonexistent.png' width=300><p>after</p>"_s);
+        QVERIFY(doc->find(u"Small"_s).block().text().contains(QChar(0xa0)));
+        QCOMPARE(doc->find(u"Small"_s).charFormat().fontPointSize(), 9.0);
+        bool image = false;
+        for (QTextBlock b = doc->begin(); b.isValid(); b = b.next())
+            for (auto it = b.begin(); !it.atEnd(); ++it)
+                if (it.fragment().charFormat().isImageFormat()) {
+                    image = true;
+                    QCOMPARE(it.fragment().charFormat().toImageFormat().width(), 300.0);
+                    QVERIFY(!b.blockFormat().hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth));
+                }
+        QVERIFY(image);
+    }
+
+    void planSheetPages()
+    {
+        // A two-page landscape sheet made by the engine itself, then printed as a sheet.
+        PagedDocument sheet(db, PrintSource::fromHtml(u"<p>"_s + words(u"s"_s, 900) + u"</p>"_s), u"S"_s);
+        sheet.layout(PagedDocument::letter(QPageLayout::Landscape));
+        const QString sheetPath = dir.filePath(u"sheet.pdf"_s);
+        QVERIFY(PDFOut::writePaged(sheet, sheetPath));
+        PagedDocument pages(db, PrintSource::fromPdf(sheetPath, u"A-101 Floor plan"_s), u"Plan sheet"_s);
+        QVERIFY(pages.prefersLandscape());
+        pages.layout(PagedDocument::letter(QPageLayout::Landscape));
+        const auto text = PdfCheck::written(pages, dir, u"printed-sheet.pdf"_s);
+        QCOMPARE(text.size(), 2);
+        QVERIFY(text.at(0).join(u' ').contains(u"A-101 Floor plan (sheet page 1 of 2)"_s));
+        QVERIFY(!text.at(1).contains(u"Plan"_s)); // a sheet has its caption, not the title
+    }
+
+    void damagedSheetPrintsFooterOnly()
+    {
+        const QString path = dir.filePath(u"broken.pdf"_s);
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("%PDF-1.4\n garbage \x01\x02 trailer");
+        f.close();
+        PagedDocument pages(db, PrintSource::fromPdf(path, u"Broken"_s), u"Plan sheet"_s, u"foot"_s);
+        QVERIFY(!pages.prefersLandscape());
+        const auto text = PdfCheck::written(pages, dir, u"broken-out.pdf"_s);
+        QCOMPARE(text.size(), 1);
+        QCOMPARE(text.at(0).join(u' '), u"foot Page 1 of 1"_s);
+    }
+};
+
+TRESTLE_TEST(PagingTests);
+#include "pagingtests.moc"
