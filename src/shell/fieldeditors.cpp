@@ -53,6 +53,21 @@ void apply(QWidget *w, bool error, bool mono)
                      u"px; selection-background-color: "_s + t.accent.name() + u"; }"_s);
 }
 
+void thinScrollBar(QWidget *bar)
+{
+    const FWUI &ui = FWUI::shared();
+    QColor handle = ui.theme().metalMid;
+    handle.setAlphaF(0.5);
+    bar->setStyleSheet(
+        QString(u"QScrollBar:vertical { width: %1px; background: transparent; margin: 0; }"
+                u"QScrollBar::handle:vertical { background: %2; border-radius: %3px; min-height: 24px; }"
+                u"QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                u"QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }"_s)
+            .arg(ui.px(6))
+            .arg(handle.name(QColor::HexArgb))
+            .arg(ui.px(3)));
+}
+
 } // namespace FieldLook
 
 // --- ThemedTextField ---
@@ -126,7 +141,18 @@ ThemedChoice::ThemedChoice(const TextBinding &value, const Options &options, QWi
         if (i >= 0 && i < m_options.size())
             m_value.set(m_options.at(i).first);
     });
-    auto restyle = [this] { setFont(FWUI::shared().font(12.5)); };
+    auto restyle = [this] {
+        // A closed choice reads as a well like the text boxes beside it.
+        const FWTheme &t = FWUI::shared().theme();
+        setFont(FWUI::shared().font(12.5));
+        QPalette p = palette();
+        p.setColor(QPalette::Button, t.well);
+        p.setColor(QPalette::ButtonText, t.text);
+        p.setColor(QPalette::Base, t.panel);
+        p.setColor(QPalette::Text, t.text);
+        setPalette(p);
+        setMinimumHeight(fontMetrics().height() + FWUI::shared().px(10));
+    };
     restyle();
     connect(&FWUI::shared(), &FWUI::changed, this, restyle);
 }

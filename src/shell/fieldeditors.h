@@ -34,6 +34,8 @@ struct TextBinding
 namespace FieldLook {
 // Styles `w` (a line edit, text edit or combo box) for the current finish and zoom.
 void apply(QWidget *w, bool error = false, bool mono = false);
+// A thin vertical scroll bar of the finish instead of the platform's grey one.
+void thinScrollBar(QWidget *bar);
 } // namespace FieldLook
 
 // A one-line text box; edits go straight through the binding.

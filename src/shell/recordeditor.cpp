@@ -28,6 +28,7 @@
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -89,11 +90,12 @@ RecordEditor::RecordEditor(DB &db, Nav &nav, const ModuleDef &m, const QString &
     scroll->setFrameShape(QFrame::NoFrame);
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->viewport()->setAutoFillBackground(false);
-    m_content->setAutoFillBackground(false);
     auto *fields = new QVBoxLayout(m_content);
     fields->setContentsMargins(0, 0, ui.px(6), 0);
     fields->setSpacing(ui.px(10));
     scroll->setWidget(m_content);
+    // The panel shows through; setWidget turned the page's own fill on.
+    m_content->setAutoFillBackground(false);
     col->addWidget(scroll, 1);
 
     const QString project = rec ? rec->project : QString();
@@ -137,7 +139,8 @@ RecordEditor::RecordEditor(DB &db, Nav &nav, const ModuleDef &m, const QString &
     fields->addStretch(1);
 
     m_printable = new Printable(this, 2, printTitle, [this] { print(); });
-    auto restyle = [this] {
+    auto restyle = [this, scroll] {
+        FieldLook::thinScrollBar(scroll->verticalScrollBar());
         m_title->setFont(FWUI::shared().font(15, QFont::Bold));
         QPalette p = m_title->palette();
         p.setColor(QPalette::WindowText, FWUI::shared().theme().text);

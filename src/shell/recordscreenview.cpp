@@ -1,5 +1,6 @@
 #include "recordscreenview.h"
 
+#include "fieldeditors.h"
 #include "recordscreenmodel.h"
 
 #include "look/fwui.h"
@@ -7,6 +8,7 @@
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QHeaderView>
+#include <QtWidgets/QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -45,6 +47,7 @@ void RecordListView::restyle()
         t.dim.name() + u"; border: none; padding: "_s + QString::number(ui.px(6)) + u"px "_s +
         QString::number(ui.px(8)) + u"px; }"_s);
     setStyleSheet(u"QTreeView { background: transparent; border: none; }"_s);
+    FieldLook::thinScrollBar(verticalScrollBar());
 }
 
 void RecordListView::fitColumns()
