@@ -1,6 +1,7 @@
 // The program's entry: a headless verb when one is named, otherwise the window.
 #include "verbs.h"
 
+#include "shell/recordscreen.h"
 #include "shell/tlapp.h"
 
 #include <QtCore/QCommandLineParser>
@@ -14,8 +15,10 @@ using namespace Qt::StringLiterals;
 int main(int argc, char *argv[])
 {
     // No verb: the window. Later layers register their screens and help pages before this.
-    if (TLApp::wantsWindow(argc, argv))
+    if (TLApp::wantsWindow(argc, argv)) {
+        RecordScreen::registerGeneric();
         return TLApp::run(argc, argv);
+    }
     // A verb (or --help) lays out and draws documents with no display.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

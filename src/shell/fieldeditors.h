@@ -1,0 +1,137 @@
+#pragma once
+#include "refreshable.h"
+
+#include "catalog/moduledef.h"
+#include "store/rec.h"
+
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QWidget>
+
+#include <functional>
+
+class DB;
+class RecBinding;
+class QDateEdit;
+class QStackedLayout;
+class FWChromeButton;
+class FWSwitch;
+
+// A two-way view of one text: what an editor shows and where its edits go.
+struct TextBinding
+{
+    std::function<QString()> get;
+    std::function<void(const QString &)> set;
+
+    // The binding of a stored field: every edit goes through the record binding.
+    static TextBinding of(const RecBinding &binding);
+    // A binding over a text the caller owns.
+    static TextBinding local(QString *text);
+};
+
+// The look shared by the themed inputs: a rounded well of the finish, red-edged on an error.
+namespace FieldLook {
+// Styles `w` (a line edit, text edit or combo box) for the current finish and zoom.
+void apply(QWidget *w, bool error = false, bool mono = false);
+// A thin vertical scroll bar of the finish instead of the platform's grey one.
+void thinScrollBar(QWidget *bar);
+} // namespace FieldLook
+
+// A one-line text box; edits go straight through the binding.
+class ThemedTextField : public QLineEdit, public Refreshable
+{
+    Q_OBJECT
+public:
+    ThemedTextField(const TextBinding &value, const QString &placeholder = {}, bool mono = false,
+                    QWidget *parent = nullptr);
+    // Takes the bound text unless the user is typing here.
+    void refresh() override;
+
+private:
+    TextBinding m_value;
+    bool m_mono;
+};
+
+// A text box of several lines; line breaks are kept.
+class ThemedLongText : public QPlainTextEdit, public Refreshable
+{
+    Q_OBJECT
+public:
+    ThemedLongText(const TextBinding &value, qreal height = 70, QWidget *parent = nullptr);
+    void refresh() override;
+
+private:
+    TextBinding m_value;
+    qreal m_height;
+    bool m_updating = false;
+};
+
+// A pick list of (value, label) options; an unknown stored value reads "Choose…" and is kept.
+class ThemedChoice : public QComboBox, public Refreshable
+{
+    Q_OBJECT
+public:
+    using Options = QList<std::pair<QString, QString>>;
+    ThemedChoice(const TextBinding &value, const Options &options, QWidget *parent = nullptr);
+    // Replaces the options when they differ, keeping the shown value.
+    void setOptions(const Options &options);
+    const Options &options() const { return m_options; }
+    // The label on the closed face: the chosen option's, or "Choose…".
+    QString shownLabel() const;
+    void refresh() override;
+
+private:
+    TextBinding m_value;
+    Options m_options;
+};
+
+// A day: "Set date" when empty, else a day picker with a button that clears it.
+class ThemedDate : public QWidget, public Refreshable
+{
+    Q_OBJECT
+public:
+    explicit ThemedDate(const TextBinding &value, QWidget *parent = nullptr);
+    void refresh() override;
+    // The parts, for tests and focus handling.
+    FWChromeButton *setButton() const { return m_set; }
+    QDateEdit *picker() const { return m_picker; }
+    FWChromeButton *clearButton() const { return m_clear; }
+
+private:
+    TextBinding m_value;
+    QStackedLayout *m_stack;
+    FWChromeButton *m_set;
+    QWidget *m_pickerRow;
+    QDateEdit *m_picker;
+    FWChromeButton *m_clear;
+    bool m_updating = false;
+};
+
+// The control for one field definition, bound to one text.
+class FieldEditor : public QWidget, public Refreshable
+{
+    Q_OBJECT
+public:
+    // `project` limits refIn lists; `compact` is the form inside a line grid.
+    FieldEditor(DB &db, const FD &fd, const TextBinding &value, const QString &project, bool compact,
+                QWidget *parent = nullptr);
+    // Re-reads the value, and for references the option list.
+    void refresh() override;
+    // The input control made for the field.
+    QWidget *control() const { return m_control; }
+    // The options of a choice or reference field as the editor offers them.
+    static ThemedChoice::Options optionsFor(const DB &db, const FD &fd, const QString &project);
+    // How a refIn target names itself: "#n item description", "#n title", or its label.
+    static QString refInLabel(const DB &db, const Rec &target);
+    void setProject(const QString &project);
+
+private:
+    DB &m_db;
+    FD m_fd;
+    TextBinding m_value;
+    QString m_project;
+    QWidget *m_control = nullptr;
+    Refreshable *m_refreshable = nullptr;
+    FWSwitch *m_switch = nullptr;
+};

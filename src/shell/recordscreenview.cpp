@@ -1,0 +1,174 @@
+#include "recordscreenview.h"
+
+#include "fieldeditors.h"
+#include "recordscreenmodel.h"
+
+#include "look/fwui.h"
+#include "look/statuspill.h"
+
+#include <QtGui/QPainter>
+#include <QtWidgets/QHeaderView>
+#include <QtWidgets/QScrollBar>
+
+using namespace Qt::StringLiterals;
+
+RecordListView::RecordListView(QWidget *parent)
+    : QTreeView(parent)
+{
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setItemsExpandable(false);
+    setAllColumnsShowFocus(true);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setItemDelegate(new RecordCellDelegate(this));
+    header()->setSectionsMovable(false);
+    header()->setHighlightSections(false);
+    viewport()->setAutoFillBackground(false);
+    restyle();
+    connect(&FWUI::shared(), &FWUI::changed, this, [this] {
+        restyle();
+        fitColumns();
+    });
+}
+
+void RecordListView::restyle()
+{
+    const FWUI &ui = FWUI::shared();
+    const FWTheme &t = ui.theme();
+    QFont head = ui.font(10, QFont::Black);
+    head.setLetterSpacing(QFont::AbsoluteSpacing, ui.s(1));
+    header()->setFont(head);
+    header()->setStyleSheet(
+        u"QHeaderView { background: transparent; } QHeaderView::section { background: transparent; color: "_s +
+        t.dim.name() + u"; border: none; padding: "_s + QString::number(ui.px(6)) + u"px "_s +
+        QString::number(ui.px(8)) + u"px; }"_s);
+    setStyleSheet(u"QTreeView { background: transparent; border: none; }"_s);
+    FieldLook::thinScrollBar(verticalScrollBar());
+}
+
+void RecordListView::fitColumns()
+{
+    auto *m = qobject_cast<RecordListModel *>(model());
+    if (!m)
+        return;
+    const FWUI &ui = FWUI::shared();
+    QHeaderView *h = header();
+    h->setStretchLastSection(false);
+    h->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    for (int i = 0; i < m->columnCount(); ++i) {
+        const bool number = i < m->columns().size() && m->columns().at(i).key == u"number";
+        const bool badge = i >= m->columns().size();
+        if (number || badge) {
+            h->setSectionResizeMode(i, QHeaderView::Fixed);
+            h->resizeSection(i, ui.px(number ? 44 : 110));
+        } else {
+            h->setSectionResizeMode(i, QHeaderView::Stretch);
+        }
+    }
+}
+
+void RecordListView::drawRow(QPainter *painter, const QStyleOptionViewItem &option,
+                             const QModelIndex &index) const
+{
+    const FWUI &ui = FWUI::shared();
+    const QRectF r = QRectF(option.rect).adjusted(ui.s(2), ui.s(1), -ui.s(2), -ui.s(1));
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    if (selectionModel() && selectionModel()->isRowSelected(index.row(), index.parent())) {
+        QColor fill = ui.theme().accent;
+        fill.setAlphaF(0.35);
+        painter->setBrush(fill);
+        painter->setPen(QPen(ui.theme().accent, 1));
+        painter->drawRoundedRect(r, ui.s(8), ui.s(8));
+    } else if (index.row() % 2 == 1) {
+        QColor band = ui.theme().raised;
+        band.setAlphaF(0.25);
+        painter->setBrush(band);
+        painter->setPen(Qt::NoPen);
+        painter->drawRoundedRect(r, ui.s(8), ui.s(8));
+    }
+    painter->restore();
+    const QHeaderView *h = header();
+    for (int c = 0; c < h->count(); ++c) {
+        QStyleOptionViewItem cell = option;
+        cell.rect =
+            QRect(h->sectionViewportPosition(c), option.rect.y(), h->sectionSize(c), option.rect.height());
+        itemDelegate()->paint(painter, cell, model()->index(index.row(), c, index.parent()));
+    }
+}
+
+void RecordCellDelegate::paintCapsule(QPainter *p, const QRectF &cell, const QString &text, QColor fill)
+{
+    if (text.isEmpty())
+        return;
+    const FWUI &ui = FWUI::shared();
+    const QFont font = ui.font(10, QFont::Black);
+    const qreal w = std::min<qreal>(QFontMetricsF(font).horizontalAdvance(text) + ui.s(16), cell.width());
+    const qreal hgt = ui.s(18);
+    const QRectF r(cell.left() + 0.5, cell.center().y() - hgt / 2 + 0.5, w - 1, hgt - 1);
+    fill.setAlphaF(0.75);
+    p->save();
+    p->setRenderHint(QPainter::Antialiasing);
+    p->setBrush(fill);
+    p->setPen(QPen(QColor(255, 255, 255, 64), 0.75));
+    p->drawRoundedRect(r, r.height() / 2, r.height() / 2);
+    p->setPen(Qt::white);
+    p->setFont(font);
+    p->drawText(r, Qt::AlignCenter, text);
+    p->restore();
+}
+
+void RecordCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                               const QModelIndex &index) const
+{
+    const FWUI &ui = FWUI::shared();
+    const FWTheme &t = ui.theme();
+    const QRectF cell = QRectF(option.rect).adjusted(ui.s(8), 0, -ui.s(4), 0);
+    const QString text = index.data(Qt::DisplayRole).toString();
+    const auto kind = RecordListModel::CellKind(index.data(RecordListModel::KindRole).toInt());
+    switch (kind) {
+    case RecordListModel::Pill: {
+        const QColor fill = [&] {
+            switch (StatusPill::tone(text)) {
+            case StatusPill::Green: return QColor(0x34, 0xC7, 0x59);
+            case StatusPill::Red: return QColor(0xFF, 0x3B, 0x30);
+            case StatusPill::Orange: return QColor(0xFF, 0x95, 0x00);
+            case StatusPill::Neutral: break;
+            }
+            return t.dim;
+        }();
+        paintCapsule(painter, cell, StatusPill::shown(text), fill);
+        return;
+    }
+    case RecordListModel::Badge:
+        paintCapsule(painter, cell, text, index.data(RecordListModel::ColourRole).value<QColor>());
+        return;
+    default: break;
+    }
+    QFont font = ui.font(12.5);
+    QColor colour = t.text;
+    if (kind == RecordListModel::Project) {
+        font = ui.font(12);
+        colour = t.dim;
+    } else if (kind == RecordListModel::Number) {
+        font = ui.font(12, QFont::Bold);
+    } else if (kind == RecordListModel::Money) {
+        font = ui.font(12.5, QFont::DemiBold);
+    }
+    painter->save();
+    painter->setFont(font);
+    painter->setPen(colour);
+    const QString line = QString(text).replace(u'\n', u' ');
+    painter->drawText(cell, Qt::AlignLeft | Qt::AlignVCenter,
+                      QFontMetrics(font).elidedText(line, Qt::ElideRight, int(cell.width())));
+    painter->restore();
+}
+
+QSize RecordCellDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const
+{
+    return {FWUI::shared().px(60), FWUI::shared().px(30)};
+}
