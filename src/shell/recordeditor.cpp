@@ -76,8 +76,7 @@ RecordEditor::RecordEditor(DB &db, Nav &nav, const ModuleDef &m, const QString &
     auto *pdf = new FWChromeButton(u"PDF"_s, u"doc.richtext"_s, m_body);
     connect(pdf, &QAbstractButton::clicked, this, &RecordEditor::savePDF);
     header->addWidget(pdf);
-    header->addWidget(new PrintButton(
-        printTitle, [this] { print(); }, true, false, m_body));
+    header->addWidget(new PrintButton(printJob(), true, false, m_body));
     auto *trash = new FWChromeButton(QString(), u"trash"_s, m_body);
     trash->setCompact(true);
     trash->setToolTip(u"Delete"_s);
@@ -138,7 +137,7 @@ RecordEditor::RecordEditor(DB &db, Nav &nav, const ModuleDef &m, const QString &
     addPart(makeModuleExtrasAfterLines(db, nav, m, id, m_content));
     fields->addStretch(1);
 
-    m_printable = new Printable(this, 2, printTitle, [this] { print(); });
+    m_printable = new Printable(this, 2, printJob());
     auto restyle = [this, scroll] {
         FieldLook::thinScrollBar(scroll->verticalScrollBar());
         m_title->setFont(FWUI::shared().font(15, QFont::Bold));
@@ -248,40 +247,20 @@ void RecordEditor::savePDF()
         PDFOut::record(m_db, m_m, *rec, path);
 }
 
-void RecordEditor::print()
+PrintJob RecordEditor::printJob() const
 {
     const std::optional<Rec> rec = m_db.get(m_id);
-    if (!rec)
-        return;
-    const QString title = PDFOut::recordTitle(m_m, *rec);
-    // A document prints its rich-text body, as its saved PDF does.
-    if (m_m.id == u"documents") {
-        std::shared_ptr<const QTextDocument> doc = DocStore::read(DocStore::bodyPath(m_db, *rec));
-        RecordPrint::run(m_db, PrintSource::fromDocument(doc), title, this);
-        return;
-    }
-    RecordPrint::run(m_db, PrintSource::fromHtml(PDFOut::recordHTML(m_db, m_m, *rec)), title, this);
+    const QString title = rec ? PDFOut::recordTitle(m_m, *rec) : m_m.title;
+    // The source is made only when printing, from the record as it then stands.
+    return PrintJob{title, [db = &m_db, m = &m_m, id = m_id]() -> std::optional<PrintSource> {
+                        const std::optional<Rec> rec = db->get(id);
+                        if (!rec)
+                            return std::nullopt;
+                        // A document prints its rich-text body, as its saved PDF does.
+                        if (m->id == u"documents") {
+                            std::shared_ptr<const QTextDocument> doc = DocStore::read(DocStore::bodyPath(*db, *rec));
+                            return PrintSource::fromDocument(doc);
+                        }
+                        return PrintSource::fromHtml(PDFOut::recordHTML(*db, *m, *rec));
+                    }};
 }
-
-namespace RecordPrint {
-
-void run(const DB &db, const PrintSource &source, const QString &title, QWidget *parent)
-{
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setDocName(title);
-    QPrintDialog dialog(&printer, parent);
-    dialog.setWindowTitle(u"Print "_s + title);
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    PagedDocument pages(db, source, title);
-    pages.layout(printer.pageLayout());
-    printer.setFullPage(true);
-    QPainter painter(&printer);
-    for (int i = 0; i < pages.pageCount(); ++i) {
-        if (i > 0)
-            printer.newPage();
-        pages.paint(painter, i);
-    }
-}
-
-} // namespace RecordPrint

@@ -14,6 +14,7 @@ class QLabel;
 class QScrollArea;
 class ThemedChoice;
 struct PrintSource;
+struct PrintJob;
 
 // Edits one record in place beside its list: no Save button, every field
 // writes through recBinding as the user works. Built once per selected record
@@ -44,7 +45,8 @@ public:
 private:
     void askDelete();
     void savePDF();
-    void print();
+    // The record's print job: its document as the PDF button saves it.
+    PrintJob printJob() const;
     void addPart(QWidget *part);
 
     DB &m_db;
@@ -60,7 +62,3 @@ private:
     Printable *m_printable;
 };
 
-// Prints a document through the print dialog on the paged engine.
-namespace RecordPrint {
-void run(const DB &db, const PrintSource &source, const QString &title, QWidget *parent);
-} // namespace RecordPrint

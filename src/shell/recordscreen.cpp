@@ -49,8 +49,7 @@ RecordScreen::RecordScreen(const ScreenContext &ctx, QWidget *parent)
     connect(m_new, &QAbstractButton::clicked, this, &RecordScreen::newRecord);
     tools->addWidget(m_new);
     const QString logTitle = m_m.title + u" Log"_s;
-    auto *print = new PrintButton(
-        logTitle, [this] { printList(); }, false, false, trailing);
+    auto *print = new PrintButton(listJob(), false, false, trailing);
     print->setToolTip(u"Print the "_s + m_m.title + u" log shown in this list"_s);
     tools->addWidget(print);
     m_title = new ScreenTitle(m_m, m_m.blurb, trailing, this);
@@ -81,7 +80,7 @@ RecordScreen::RecordScreen(const ScreenContext &ctx, QWidget *parent)
                 m_nav.setSelected(m_m.id, current.data(RecordListModel::IdRole).toString());
             });
 
-    m_printable = new Printable(this, 1, logTitle, [this] { printList(); });
+    m_printable = new Printable(this, 1, listJob());
     qApp->installEventFilter(this);
     restyle();
     connect(&FWUI::shared(), &FWUI::changed, this, &RecordScreen::restyle);
@@ -256,10 +255,13 @@ void RecordScreen::newRecord()
     m_nav.setSelected(m_m.id, rec.id);
 }
 
-void RecordScreen::printList()
+PrintJob RecordScreen::listJob()
 {
-    const QString html = PrintReports::listHTML(m_db, m_m, m_model->rows(), scopedProject());
-    RecordPrint::run(m_db, PrintSource::fromHtml(html), m_m.title + u" Log"_s, this);
+    // The log is made when printing, of the rows the list shows then.
+    return PrintJob{m_m.title + u" Log"_s, [this]() -> std::optional<PrintSource> {
+                        return PrintSource::fromHtml(
+                            PrintReports::listHTML(m_db, m_m, m_model->rows(), scopedProject()));
+                    }};
 }
 
 bool RecordScreen::eventFilter(QObject *watched, QEvent *event)

@@ -8,6 +8,7 @@
 class EmptyState;
 class FWChromeButton;
 class Printable;
+struct PrintJob;
 class QHBoxLayout;
 class QStackedLayout;
 class QTreeView;
@@ -56,7 +57,8 @@ private:
     void syncSelection();
     void syncEditor();
     void restyle();
-    void printList();
+    // The list's print job: the log of the rows shown.
+    PrintJob listJob();
 
     DB &m_db;
     Nav &m_nav;
