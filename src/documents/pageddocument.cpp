@@ -119,11 +119,9 @@ void frameLines(QAbstractTextDocumentLayout *layout, QTextFrame::iterator it,
         if (QTextFrame *child = it.currentFrame()) {
             if (auto *table = qobject_cast<QTextTable *>(child)) {
                 for (int r = 0; r < table->rows(); ++r)
-                    for (int c = 0; c < table->columns(); ++c) {
-                        const QTextTableCell cell = table->cellAt(r, c);
-                        if (cell.row() == r && cell.column() == c)
-                            frameLines(layout, cell.begin(), out);
-                    }
+                    for (int c = 0; c < table->columns(); ++c)
+                        if (PrintEngine::cellStartsAt(*table, r, c))
+                            frameLines(layout, table->cellAt(r, c).begin(), out);
             } else {
                 frameLines(layout, child->begin(), out);
             }
@@ -152,12 +150,31 @@ PagedDocument::PagedDocument(const DB &db, PrintSource source, const QString &ti
         break;
     case PrintSource::Kind::Pdf: m_pdf = std::make_unique<PdfPages>(m_source.pdfPath); break;
     }
-    if (m_doc) {
-        PrintEngine::blackOnWhite(*m_doc);
-        m_doc->setDocumentMargin(0);
-        m_doc->documentLayout()->setPaintDevice(pointDevice());
-    }
+    prepare();
     layout(QSizeF(kLetterW, kLetterH));
+}
+
+PagedDocument::PagedDocument(std::unique_ptr<QTextDocument> document, const QString &title,
+                             const std::optional<QString> &footer, const QSizeF &pageSize)
+    : m_title(title)
+    , m_footer(footer)
+    , m_doc(document ? std::move(document) : std::make_unique<QTextDocument>())
+{
+    m_source.kind = PrintSource::Kind::Attributed;
+    prepare();
+    layout(pageSize);
+}
+
+void PagedDocument::prepare()
+{
+    if (!m_doc)
+        return;
+    // A null page size keeps Qt from laying the text out when its layout is
+    // made, and again for the margin: a long table costs a second per layout.
+    m_doc->setPageSize(QSizeF(0, 0));
+    PrintEngine::blackOnWhite(*m_doc);
+    m_doc->setDocumentMargin(0);
+    m_doc->documentLayout()->setPaintDevice(pointDevice());
 }
 
 PagedDocument::~PagedDocument() = default;
@@ -174,6 +191,8 @@ void PagedDocument::layout(const QPageLayout &page)
 
 void PagedDocument::layout(const QSizeF &pageSize)
 {
+    if (pageSize == m_pageSize && m_doc && !m_doc->pageSize().isNull())
+        return; // laid out for this paper already
     m_pageSize = pageSize;
     m_starts = {0};
     if (!m_doc)
@@ -246,9 +265,9 @@ void PagedDocument::breakPages()
             Unit row{1e300, -1e300, true, {}};
             double pad = tf.cellPadding();
             for (int c = 0; c < table->columns(); ++c) {
-                const QTextTableCell cell = table->cellAt(r, c);
-                if (cell.row() != r || cell.column() != c)
+                if (!PrintEngine::cellStartsAt(*table, r, c))
                     continue;
+                const QTextTableCell cell = table->cellAt(r, c);
                 const QTextTableCellFormat cf = cell.format().toTableCellFormat();
                 if (cf.hasProperty(QTextFormat::TableCellTopPadding))
                     pad = std::max(pad, cf.topPadding());

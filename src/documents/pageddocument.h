@@ -36,6 +36,10 @@ public:
     // closing credit) and lays it out on US Letter portrait.
     PagedDocument(const DB &db, PrintSource source, const QString &title,
                   const std::optional<QString> &footer = std::nullopt);
+    // Pages `document` itself, with no copy: it is made black on white and
+    // laid out once, for `pageSize` in points.
+    PagedDocument(std::unique_ptr<QTextDocument> document, const QString &title,
+                  const std::optional<QString> &footer, const QSizeF &pageSize);
     ~PagedDocument();
     PagedDocument(const PagedDocument &) = delete;
     PagedDocument &operator=(const PagedDocument &) = delete;
@@ -64,6 +68,7 @@ public:
 
 private:
     struct Unit;
+    void prepare();
     void paginate();
     void breakPages();
     void paintText(QPainter &painter, int index) const;

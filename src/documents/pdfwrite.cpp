@@ -57,13 +57,20 @@ bool writePaged(const PagedDocument &pages, const QString &path)
     return file.commit();
 }
 
-bool write(const DB &db, const QTextDocument &text, const QString &path, QPageLayout::Orientation orientation)
+namespace {
+// Pages `text`, which the engine takes over and changes, and writes it.
+bool writeOwned(std::unique_ptr<QTextDocument> text, const QString &path,
+                QPageLayout::Orientation orientation)
 {
-    std::shared_ptr<QTextDocument> copy(text.clone());
-    PagedDocument pages(db, PrintSource::fromDocument(copy), QFileInfo(path).completeBaseName(),
-                        savedFooter());
-    pages.layout(PagedDocument::letter(orientation));
+    const PagedDocument pages(std::move(text), QFileInfo(path).completeBaseName(), savedFooter(),
+                              PagedDocument::letter(orientation).fullRect(QPageLayout::Point).size());
     return writePaged(pages, path);
+}
+} // namespace
+
+bool write(const DB &, const QTextDocument &text, const QString &path, QPageLayout::Orientation orientation)
+{
+    return writeOwned(std::unique_ptr<QTextDocument>(text.clone()), path, orientation);
 }
 
 bool save(const DB &db, const QTextDocument &text, const QString &path)
@@ -73,8 +80,8 @@ bool save(const DB &db, const QTextDocument &text, const QString &path)
 
 bool saveHTML(const DB &db, const QString &html, const QString &path)
 {
-    const auto doc = DocTemplates::attributed(db, html + closingCredit());
-    return save(db, *doc, path);
+    // The imported text is only paged, so the engine may have it without a copy.
+    return writeOwned(DocTemplates::attributed(db, html + closingCredit()), path, QPageLayout::Portrait);
 }
 
 bool saveWord(const QTextDocument &text, const QString &path)

@@ -28,9 +28,9 @@ void cleanTables(QTextFrame *frame)
             }
             for (int r = 0; r < table->rows(); ++r)
                 for (int c = 0; c < table->columns(); ++c) {
-                    QTextTableCell cell = table->cellAt(r, c);
-                    if (cell.row() != r || cell.column() != c)
+                    if (!cellStartsAt(*table, r, c))
                         continue; // a spanned cell, reached at its origin
+                    QTextTableCell cell = table->cellAt(r, c);
                     QTextCharFormat cf = cell.format();
                     if (darkFill(cf)) {
                         cf.clearBackground();
@@ -42,6 +42,13 @@ void cleanTables(QTextFrame *frame)
     }
 }
 } // namespace
+
+bool cellStartsAt(const QTextTable &table, int row, int column)
+{
+    const QTextTableCell cell = table.cellAt(row, column);
+    return cell.isValid() && (row == 0 || !(table.cellAt(row - 1, column) == cell)) &&
+           (column == 0 || !(table.cellAt(row, column - 1) == cell));
+}
 
 double lum(const QColor &colour)
 {

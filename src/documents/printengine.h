@@ -2,6 +2,7 @@
 #include <QtGui/QColor>
 
 class QTextDocument;
+class QTextTable;
 
 // Colour rules shared by every printout.
 namespace PrintEngine {
@@ -11,4 +12,8 @@ double lum(const QColor &colour);
 // text becomes black, dark fills (of text, paragraphs and table cells) go,
 // and pale fills such as a table's header band stay.
 void blackOnWhite(QTextDocument &doc);
+// Whether the cell at (`row`, `column`) of `table` starts there rather than
+// being covered by a span from above or the left. Unlike QTextTableCell::row()
+// and column(), which search the whole table, it costs the same on any size.
+bool cellStartsAt(const QTextTable &table, int row, int column);
 } // namespace PrintEngine
