@@ -1,6 +1,8 @@
 // Figures of the calculation engine on the reference company.
 #include "calcbench.h"
 
+#include "benchutil.h"
+
 #include "calc/budget.h"
 #include "calc/payapp.h"
 #include "calc/totals.h"
@@ -16,29 +18,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+using Bench::figure;
+
 constexpr int kPayAppRank = 20;
 constexpr double kPayAppTargetMs = 5;
 constexpr double kJobCostTargetMs = 5;
-
-// Median, fastest and slowest of `runs` timings of `fn`, in milliseconds.
-template<class Fn> void figure(QTextStream &out, int runs, const QString &name, const QString &note, Fn &&fn)
-{
-    std::vector<double> ms;
-    for (int k = 0; k < runs; ++k) {
-        QElapsedTimer t;
-        t.start();
-        fn();
-        ms.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(ms.begin(), ms.end());
-    const size_t n = ms.size();
-    const double median = n % 2 ? ms[n / 2] : (ms[n / 2 - 1] + ms[n / 2]) / 2;
-    auto text = [](double v) { return QString::number(v, 'f', v >= 100 ? 0 : v >= 10 ? 1 : v >= 1 ? 2 : 3); };
-    out << name << ": " << text(median) << " ms (" << text(ms.front()) << u'–' << text(ms.back()) << ')';
-    if (!note.isEmpty())
-        out << "  " << note;
-    out << Qt::endl;
-}
 
 // The project with the most records of `kind`.
 QString busiest(const DB &db, const QString &kind)

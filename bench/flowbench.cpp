@@ -1,5 +1,7 @@
 #include "flowbench.h"
 
+#include "benchutil.h"
+
 #include "store/db.h"
 #include "workflows/alerts.h"
 #include "workflows/figures.h"
@@ -15,39 +17,11 @@ namespace {
 
 constexpr double kHubTargetMs = 50;
 
-struct Stats
-{
-    double median = 0;
-    double min = 0;
-    double max = 0;
-};
+using Bench::measure;
 
-// Runs `fn` `runs` times and keeps the wall-clock milliseconds of each run.
-template<class Fn> Stats measure(int runs, Fn &&fn)
+void figure(QTextStream &out, const QString &name, const Bench::Stats &s, const QString &note)
 {
-    std::vector<double> ms;
-    for (int k = 0; k < std::max(runs, 1); ++k) {
-        QElapsedTimer t;
-        t.start();
-        fn();
-        ms.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(ms.begin(), ms.end());
-    const size_t n = ms.size();
-    return {n % 2 ? ms[n / 2] : (ms[n / 2 - 1] + ms[n / 2]) / 2, ms.front(), ms.back()};
-}
-
-QString ms(double v)
-{
-    return QString::number(v, 'f', v >= 100 ? 0 : v >= 10 ? 1 : v >= 1 ? 2 : 3);
-}
-
-void figure(QTextStream &out, const QString &name, const Stats &s, const QString &note)
-{
-    out << name << ": " << ms(s.median) << " ms (" << ms(s.min) << u'–' << ms(s.max) << ')';
-    if (!note.isEmpty())
-        out << "  " << note;
-    out << Qt::endl;
+    Bench::print(out, name, s, note);
 }
 
 } // namespace

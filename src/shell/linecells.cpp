@@ -1,5 +1,7 @@
 #include "linecells.h"
 
+#include "fieldeditors.h"
+
 #include "calc/datefmt.h"
 #include "calc/fmt.h"
 #include "calc/money.h"
@@ -19,28 +21,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QString choiceLabel(const FD &fd, const QString &value)
-{
-    if (fd.key == u"kind"_s) {
-        for (const auto &[key, label] : Modules::waiverKinds())
-            if (key == value)
-                return label;
-        return value;
-    }
-    return capitalizedIfLower(value);
-}
-
-// How a refIn target names itself in a list: "#3 A1 Footings", else its label.
-QString refInLabel(const DB &db, const Rec &target)
-{
-    const QString number = target.f.value(u"number"_s);
-    if (number.isEmpty())
-        return db.label(target.id);
-    const QString item = target.f.value(u"item"_s);
-    return u'#' + number + u' ' +
-           (item.isEmpty() ? target.f.value(u"title"_s) : item + u' ' + target.f.value(u"description"_s));
-}
 
 QLineEdit *lineEdit(QWidget *cell, const QString &placeholder)
 {
@@ -305,25 +285,6 @@ LineCell *LineCell::make(DB &db, const QString &lineId, const FD &fd, const QStr
 
 QList<std::pair<QString, QString>> choiceOptions(const DB &db, const FD &fd, const QString &project)
 {
-    QList<std::pair<QString, QString>> out;
-    switch (fd.type.kind) {
-    case FT::choice:
-        for (const QString &value : fd.type.options)
-            out.append({value, choiceLabel(fd, value)});
-        break;
-    case FT::ref:
-        out.append({QString(), u"—"_s});
-        db.visit(fd.type.target, {}, [&](const Rec &r) { out.append({r.id, db.label(r.id)}); });
-        break;
-    case FT::refIn: {
-        out.append({QString(), u"—"_s});
-        RecFilter filter;
-        if (!project.isEmpty())
-            filter.project = project;
-        db.visit(fd.type.target, filter, [&](const Rec &r) { out.append({r.id, refInLabel(db, r)}); });
-        break;
-    }
-    default: break;
-    }
-    return out;
+    // A grid cell offers exactly what the record editor's choice offers.
+    return FieldEditor::optionsFor(db, fd, project);
 }
