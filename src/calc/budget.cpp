@@ -96,23 +96,50 @@ Calc::JobCost jobCost(const DB &db, const QString &projectId)
         }
     }
 
-    db.visit(u"expense"_s, {.project = projectId}, [&](const Rec &bill) {
-        Calc::CostRow &row = rowOf(bill.f[u"costCode"]);
+    // Cost records come in their thousands: they are summed unordered, and a
+    // code new to the table is placed by its first record in list order.
+    struct First
+    {
+        DB::ListKey key;
+        QString code;
+    };
+    auto addUnordered = [&](const QString &kind,
+                            const std::function<void(const Rec &, Calc::CostRow &)> &add) {
+        QHash<QString, DB::ListKey> firsts;
+        db.visitUnordered(kind, {.project = projectId}, [&](const Rec &r, const DB::ListKey &key) {
+            const QString code = r.f[u"costCode"];
+            auto first = firsts.find(code);
+            if (first != firsts.end()) {
+                if (key.before(*first))
+                    *first = key;
+            } else if (!jc.rows.contains(code)) {
+                firsts.insert(code, key);
+            }
+            add(r, jc.rows[code]);
+        });
+        QList<First> fresh;
+        for (auto it = firsts.cbegin(); it != firsts.cend(); ++it)
+            fresh.append({it.value(), it.key()});
+        std::sort(fresh.begin(), fresh.end(),
+                  [](const First &a, const First &b) { return a.key.before(b.key); });
+        for (const First &f : fresh)
+            jc.order.append(f.code);
+    };
+
+    addUnordered(u"expense"_s, [](const Rec &bill, Calc::CostRow &row) {
         row.actual = Money::add(row.actual, bill.i(u"amount"));
     });
 
     // Labour at the timecard's own rate: the worker's rate when the card was filled.
-    db.visit(u"timecard"_s, {.project = projectId}, [&](const Rec &card) {
+    addUnordered(u"timecard"_s, [](const Rec &card, Calc::CostRow &row) {
         const double hours = Calc::shiftHours(card.f[u"in"], card.f[u"out"], card.i(u"break"));
-        Calc::CostRow &row = rowOf(card.f[u"costCode"]);
         row.actual = Money::add(row.actual, Money::fromDouble(hours * double(card.i(u"rate"))));
     });
 
     // A log without a known machine still shows its code, at no cost.
-    db.visit(u"equip_log"_s, {.project = projectId}, [&](const Rec &log) {
+    addUnordered(u"equip_log"_s, [&db](const Rec &log, Calc::CostRow &row) {
         const Rec *machine = db.find(log.f[u"equipment"]);
         const qint64 rate = machine ? machine->i(u"rate") : 0;
-        Calc::CostRow &row = rowOf(log.f[u"costCode"]);
         row.actual = Money::add(row.actual, Money::fromDouble(log.d(u"hours") * double(rate)));
     });
 

@@ -278,6 +278,25 @@ void DB::visit(const QString &kind, const RecFilter &filter, const std::function
         fn(*r);
 }
 
+bool DB::ListKey::before(const ListKey &o) const
+{
+    if (sort != o.sort)
+        return sort < o.sort;
+    if (rec->created != o.rec->created)
+        return rec->created < o.rec->created;
+    return rec->id < o.rec->id;
+}
+
+void DB::visitUnordered(const QString &kind, const RecFilter &filter,
+                        const std::function<void(const Rec &, const ListKey &)> &fn) const
+{
+    eachMatch(kind, filter, [&](const StoredRec *s) {
+        if (s->sortBad)
+            (void)s->rec.i(u"sort"); // stops the program with the reason, as list() does
+        fn(s->rec, ListKey{s->sort, &s->rec});
+    });
+}
+
 qsizetype DB::count(const QString &kind, const RecFilter &filter) const
 {
     qsizetype n = 0;

@@ -50,6 +50,19 @@ public:
     // without copying them. `fn` must not write to the store.
     void visit(const QString &kind, const RecFilter &filter,
                const std::function<void(const Rec &)> &fn) const;
+    // Where a record stands in list order: compare with ListKey::before.
+    struct ListKey
+    {
+        qint64 sort = 0;
+        const Rec *rec = nullptr;
+        // True when the record of this key comes first in a list.
+        bool before(const ListKey &other) const;
+    };
+    // Calls `fn` for each record list() would return, in no particular order,
+    // with its place in list order; for sums that only need first appearances.
+    // `fn` must not write to the store.
+    void visitUnordered(const QString &kind, const RecFilter &filter,
+                        const std::function<void(const Rec &, const ListKey &)> &fn) const;
     // How many records of `kind` match the filter, without copying them.
     qsizetype count(const QString &kind, const RecFilter &filter = {}) const;
     void save(const Rec &rec);

@@ -180,6 +180,19 @@ private Q_SLOTS:
                 }
             }
 
+            // Costs, some with sort values, some on codes the budget has never seen.
+            const QStringList costCodes = codes + QStringList{u"X1"_s, u"X2"_s};
+            for (int k = rng.bounded(12); k > 0; --k) {
+                Fields f{{u"costCode"_s, pick(costCodes)},
+                         {u"amount"_s, QString::number(rng.bounded(9000))},
+                         {u"in"_s, u"07:00"_s},
+                         {u"out"_s, u"15:30"_s},
+                         {u"rate"_s, u"3000"_s}};
+                if (rng.bounded(2))
+                    f.insert(u"sort"_s, QString::number(rng.bounded(3)));
+                db.add(rng.bounded(2) ? u"expense"_s : u"timecard"_s, u"P"_s, {}, f);
+            }
+
             const Calc::BudgetSummary b = budget(db, u"P"_s);
             QCOMPARE(QSet<QString>(b.order.begin(), b.order.end()).size(), b.rows.size());
             Calc::BudgetRow sum;
@@ -203,6 +216,23 @@ private Q_SLOTS:
             }
             QCOMPARE(jc.total, costs);
             QCOMPARE(jc.total.committed, committed);
+
+            // Codes appear in the order their first records take in each list.
+            QStringList expected = jc.order.mid(0, b.order.size());
+            for (const Rec &po : db.list(u"po"_s, {.project = u"P"_s}))
+                if (po.f.value(u"status") == u"Issued" || po.f.value(u"status") == u"Received" ||
+                    po.f.value(u"status") == u"Closed")
+                    for (const Rec &line : db.list(u"po_line"_s, {.parent = po.id})) {
+                        const QString code = line.f.value(u"costCode").isEmpty() ? po.f.value(u"costCode")
+                                                                                 : line.f.value(u"costCode");
+                        if (!expected.contains(code))
+                            expected.append(code);
+                    }
+            for (const QString &kind : {u"expense"_s, u"timecard"_s, u"equip_log"_s})
+                for (const Rec &r : db.list(kind, {.project = u"P"_s}))
+                    if (!expected.contains(r.f.value(u"costCode")))
+                        expected.append(r.f.value(u"costCode"));
+            QCOMPARE(jc.order, expected);
         }
     }
 };
