@@ -1,14 +1,21 @@
 #include "shellbench.h"
 
+#include "catalog/modules.h"
+#include "shell/fieldeditors.h"
 #include "shell/modulearea.h"
 #include "shell/nav.h"
+#include "shell/recordeditor.h"
+#include "shell/recordscreen.h"
+#include "shell/recordscreenmodel.h"
 #include "shell/tlmain.h"
 #include "shell/tlwindow.h"
 #include "store/db.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QEvent>
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
 
 #include <algorithm>
 #include <memory>
@@ -19,6 +26,8 @@ namespace {
 
 constexpr double kFirstPaintTargetMs = 2000;
 constexpr double kRefreshTargetMs = 16;
+constexpr double kKeystrokeTargetMs = 16;
+constexpr double kEditorTargetMs = 100;
 
 // Notes the first paint of the watched widget.
 class PaintWatch : public QObject
@@ -88,5 +97,72 @@ void runShellBench(const QString &path, int runs, QTextStream &out)
         }
         figure(out, u"refresh after a save"_s, median(refreshes), kRefreshTargetMs,
                u"[module "_s + module + u']');
+    }
+
+    // One keystroke in the search box of a long company-wide list.
+    {
+        Nav nav;
+        nav.setProjectID(QString()); // every project's expenses in one list
+        nav.setModule(u"expenses"_s);
+        const ModuleDef &m = *Modules::get(u"expenses");
+        RecordScreen screen(ScreenContext{db, nav, m});
+        screen.resize(1400, 900);
+        screen.show();
+        QApplication::processEvents();
+        const qsizetype rows = screen.model()->rowCount();
+        std::vector<double> keys;
+        for (int i = 0; i < std::max(runs, 10); ++i) {
+            screen.searchBox()->setFocus();
+            screen.searchBox()->clear();
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_1, Qt::NoModifier, u"1"_s);
+            QElapsedTimer t;
+            t.start();
+            QApplication::sendEvent(screen.searchBox(), &press);
+            keys.push_back(t.nsecsElapsed() / 1e6);
+            QApplication::processEvents();
+        }
+        figure(out, u"filter a list by one keystroke"_s, median(keys), kKeystrokeTargetMs,
+               u"[%1 expenses, all projects]"_s.arg(rows));
+    }
+
+    // The editor of an estimate with 200 lines, built and shown.
+    {
+        DB mem;
+        mem.createCompany(u"Bench"_s, u"Owner"_s, u"CO"_s);
+        const Rec project = mem.add(u"project"_s, {}, {}, {{u"name"_s, u"Job"_s}});
+        const Rec est =
+            mem.add(u"estimate"_s, project.id, {}, {{u"title"_s, u"Big"_s}, {u"markup"_s, u"10"_s}});
+        QList<Rec> lines;
+        const QList<Rec> codes = mem.costCodes();
+        for (int k = 0; k < 200; ++k) {
+            Rec line;
+            line.id = newID();
+            line.kind = u"est_line"_s;
+            line.company = mem.companyID();
+            line.project = project.id;
+            line.parent = est.id;
+            line.created = nowSeconds();
+            line.f = Fields{{u"description"_s, u"Line "_s + QString::number(k)},
+                            {u"costCode"_s, codes.at(k % codes.size()).id},
+                            {u"qty"_s, QString::number(k + 1)},
+                            {u"unit"_s, u"EA"_s},
+                            {u"unitCost"_s, QString::number(1000 + k)},
+                            {u"sort"_s, QString::number(k + 1)}};
+            lines.append(line);
+        }
+        mem.saveAll(lines);
+        Nav nav;
+        nav.setProjectID(project.id);
+        std::vector<double> opens;
+        for (int i = 0; i < std::max(runs, 5); ++i) {
+            QElapsedTimer t;
+            t.start();
+            RecordEditor editor(mem, nav, *Modules::get(u"estimates"), est.id);
+            editor.resize(900, 1000);
+            editor.show();
+            QApplication::processEvents();
+            opens.push_back(t.nsecsElapsed() / 1e6);
+        }
+        figure(out, u"open the editor of an estimate with 200 lines"_s, median(opens), kEditorTargetMs);
     }
 }

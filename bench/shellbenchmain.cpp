@@ -2,6 +2,8 @@
 #include "generator.h"
 #include "shellbench.h"
 
+#include "shell/recordscreen.h"
+
 #include "store/db.h"
 
 #include <QtCore/QCommandLineParser>
@@ -38,6 +40,7 @@ int main(int argc, char *argv[])
         BenchData::generate(db);
         out << "generate: " << db.size() << " records" << Qt::endl;
     }
+    RecordScreen::registerGeneric();
     runShellBench(path, runs, out);
     return 0;
 }
