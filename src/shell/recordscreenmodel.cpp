@@ -64,7 +64,13 @@ void RecordListModel::reload(const std::optional<QString> &scopedProject, const 
             rows.append(r);
     });
     QList<FD> cols = colDefs(m_m, scopedProject.has_value() || !m_m.perProject);
-    if (rows == m_rows && cols == m_cols)
+    // Every save stamps `updated`, so equal ids and stamps mean equal rows;
+    // comparing whole records would cost more than the search itself.
+    const bool sameRows =
+        rows.size() == m_rows.size() &&
+        std::equal(rows.cbegin(), rows.cend(), m_rows.cbegin(),
+                   [](const Rec &a, const Rec &b) { return a.id == b.id && a.updated == b.updated; });
+    if (sameRows && cols == m_cols)
         return;
     beginResetModel();
     m_rows = std::move(rows);
