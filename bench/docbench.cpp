@@ -1,6 +1,8 @@
 #include "docbench.h"
 
 #include "catalog/modules.h"
+#include "documents/doctemplates.h"
+#include "documents/pageddocument.h"
 #include "documents/payhtml.h"
 #include "documents/pdfwrite.h"
 #include "documents/printreports.h"
@@ -9,6 +11,8 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTextStream>
+
+#include <QtGui/QTextDocument>
 
 #include <algorithm>
 
@@ -32,6 +36,26 @@ template<class Fn> void figure(QTextStream &out, int runs, const QString &name, 
     out << name << ": " << QString::number(median, 'f', 1) << " ms (" << QString::number(ms.front(), 'f', 1)
         << u'–' << QString::number(ms.back(), 'f', 1) << ")  " << note << Qt::endl;
 }
+
+// Where the 2,000-row log's time goes, once: import, layout with the page
+// breaks, and drawing every page into the PDF.
+void stages(QTextStream &out, const DB &db, const ModuleDef &def, const QList<Rec> &rows, const QString &path)
+{
+    const QString html = PrintReports::listHTML(db, def, rows, std::nullopt);
+    QElapsedTimer t;
+    t.start();
+    auto doc = DocTemplates::attributed(db, html + PDFOut::closingCredit());
+    const double import = double(t.nsecsElapsed()) / 1e6;
+    t.restart();
+    const PagedDocument pages(std::move(doc), u"log"_s, PDFOut::savedFooter(), QSizeF(612, 792));
+    const double layout = double(t.nsecsElapsed()) / 1e6;
+    t.restart();
+    PDFOut::writePaged(pages, path);
+    const double draw = double(t.nsecsElapsed()) / 1e6;
+    out << "  stages, " << rows.size() << " rows: import " << QString::number(import, 'f', 1)
+        << " ms, layout " << QString::number(layout, 'f', 1) << " ms, drawing "
+        << QString::number(draw, 'f', 1) << " ms (" << pages.pageCount() << " pages)" << Qt::endl;
+}
 } // namespace
 
 void runDocBench(const DB &db, int runs, QTextStream &out)
@@ -52,6 +76,7 @@ void runDocBench(const DB &db, int runs, QTextStream &out)
                        PDFOut::saveHTML(db, html, dir.filePath(u"log.pdf"_s));
                    });
         }
+        stages(out, db, *def, cards.mid(0, 2000), dir.filePath(u"stages.pdf"_s));
     }
     // The application whose project's schedule of values is nearest 50 lines.
     std::optional<Rec> app;

@@ -5,6 +5,7 @@
 #include "store/db.h"
 #include "testmain.h"
 
+#include <QtCore/QRegularExpression>
 #include <QtGui/QTextBlock>
 #include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
@@ -93,6 +94,45 @@ private Q_SLOTS:
                 if ((w.startsWith(u'a') || w.startsWith(u'z')) && w.size() == 5)
                     all << w;
         QCOMPARE(all, QString(words(u"a"_s, 900) + u' ' + words(u"z"_s, 900)).split(u' '));
+    }
+
+    void longTablePrintsEachRowOnce()
+    {
+        // A list log's one big table: every cell once and in order, and no page
+        // repeating, hidden or not, the last line of the page before it.
+        const int rows = 2000;
+        QString html =
+            u"<p>Log</p><table width='100%' border=1 cellspacing=0 cellpadding=4 "
+            u"style='border-collapse:collapse'><tr style='background:#e8e8ee'><th align=left>Key</th>"
+            u"<th align=right>Value</th></tr>"_s;
+        QStringList expected;
+        for (int r = 1; r <= rows; ++r) {
+            const QString key = u"k%1"_s.arg(r, 4, 10, QChar(u'0'));
+            const QString value = u"v%1"_s.arg(r, 4, 10, QChar(u'0'));
+            html += u"<tr><td>"_s + key + u"</td><td align=right>"_s + value + u"</td></tr>"_s;
+            expected << key << value;
+        }
+        html += u"</table><p>End</p>"_s;
+        PagedDocument pages(db, PrintSource::fromHtml(html), u"Log"_s);
+        const auto text = PdfCheck::written(pages, dir, u"long.pdf"_s);
+        QVERIFY(text.size() >= 40);
+        QCOMPARE(text.size(), pages.pageCount());
+        static const QRegularExpression cellWord(u"^[kv]\\d{4}$"_s);
+        QStringList all;
+        QString lastOfPrevious;
+        for (int p = 0; p < text.size(); ++p) {
+            QStringList mine;
+            for (const QString &w : text.at(p))
+                if (cellWord.match(w).hasMatch())
+                    mine << w;
+            QVERIFY2(!mine.isEmpty(), qPrintable(u"page %1 has no rows"_s.arg(p + 1)));
+            QVERIFY2(lastOfPrevious.isEmpty() || !mine.contains(lastOfPrevious),
+                     qPrintable(u"page %1 repeats %2"_s.arg(p + 1).arg(lastOfPrevious)));
+            lastOfPrevious = mine.last();
+            all += mine;
+        }
+        QCOMPARE(all.size(), expected.size());
+        QCOMPARE(all, expected);
     }
 
     void tallRowIsCutInPlace_data()
