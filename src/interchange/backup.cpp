@@ -67,8 +67,7 @@ Result backup(DB &db, const QString &zipPath, const Progress &progress)
             index = zip_dir_add(zip, entry.constData(), ZIP_FL_ENC_UTF_8);
         } else {
             // The file is read in pieces when the archive is written, never whole.
-            zip_source_t *src =
-                zip_source_file(zip, QFile::encodeName(path).constData(), 0, -1);
+            zip_source_t *src = zip_source_file(zip, QFile::encodeName(path).constData(), 0, -1);
             if (!src)
                 return false;
             index = zip_file_add(zip, entry.constData(), src, ZIP_FL_ENC_UTF_8 | ZIP_FL_OVERWRITE);

@@ -258,7 +258,8 @@ PrintJob RecordEditor::printJob() const
                             return std::nullopt;
                         // A document prints its rich-text body, as its saved PDF does.
                         if (m->id == u"documents") {
-                            std::shared_ptr<const QTextDocument> doc = DocStore::read(DocStore::bodyPath(*db, *rec));
+                            std::shared_ptr<const QTextDocument> doc =
+                                DocStore::read(DocStore::bodyPath(*db, *rec));
                             return PrintSource::fromDocument(doc);
                         }
                         return PrintSource::fromHtml(PDFOut::recordHTML(*db, *m, *rec));

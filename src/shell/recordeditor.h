@@ -61,4 +61,3 @@ private:
     QWidget *m_content;
     Printable *m_printable;
 };
-
