@@ -32,17 +32,14 @@ QLineEdit *lineEdit(QWidget *cell, const QString &placeholder)
     return box;
 }
 
-// Plain text, times and dates: the box is the value.
-class TextCell : public LineCell
+// A cell of one text box that shows the stored text unless the user is typing in it.
+class BoxCell : public LineCell
 {
 public:
-    TextCell(DB &db, const QString &lineId, const FD &fd, QWidget *parent)
+    BoxCell(DB &db, const QString &lineId, const FD &fd, const QString &placeholder, QWidget *parent)
         : LineCell(db, lineId, fd, parent)
-        , m_box(lineEdit(this, fd.type.kind == FT::date ? u"yyyy-mm-dd"_s : fd.label))
-    {
-        connect(m_box, &QLineEdit::textEdited, this, [this](const QString &text) { m_value.set(text); });
-        restyle();
-    }
+        , m_box(lineEdit(this, placeholder))
+    {}
     void refresh(const Rec &line) override
     {
         const QString stored = line.f.value(m_fd.key);
@@ -51,17 +48,28 @@ public:
     }
     void restyle() override { m_box->setFont(FWUI::shared().font(12.5)); }
 
-private:
+protected:
     QLineEdit *m_box;
 };
 
+// Plain text, times and dates: the box is the value.
+class TextCell : public BoxCell
+{
+public:
+    TextCell(DB &db, const QString &lineId, const FD &fd, QWidget *parent)
+        : BoxCell(db, lineId, fd, fd.type.kind == FT::date ? u"yyyy-mm-dd"_s : fd.label, parent)
+    {
+        connect(m_box, &QLineEdit::textEdited, this, [this](const QString &text) { m_value.set(text); });
+        restyle();
+    }
+};
+
 // Numbers and percentages: commas and "%" dropped, stored cleaned as typed.
-class NumberCell : public LineCell
+class NumberCell : public BoxCell
 {
 public:
     NumberCell(DB &db, const QString &lineId, const FD &fd, QWidget *parent)
-        : LineCell(db, lineId, fd, parent)
-        , m_box(lineEdit(this, u"0"_s))
+        : BoxCell(db, lineId, fd, u"0"_s, parent)
     {
         m_box->setAlignment(Qt::AlignRight);
         connect(m_box, &QLineEdit::textEdited, this, [this](const QString &text) {
@@ -79,16 +87,6 @@ public:
         });
         restyle();
     }
-    void refresh(const Rec &line) override
-    {
-        const QString stored = line.f.value(m_fd.key);
-        if (!m_box->hasFocus() && m_box->text() != stored)
-            m_box->setText(stored);
-    }
-    void restyle() override { m_box->setFont(FWUI::shared().font(12.5)); }
-
-private:
-    QLineEdit *m_box;
 };
 
 // Money: stored in cents as typed; a refused entry keeps the last good amount
