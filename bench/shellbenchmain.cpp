@@ -2,7 +2,7 @@
 #include "generator.h"
 #include "shellbench.h"
 
-#include "shell/recordscreen.h"
+#include "screens/screens.h"
 
 #include "store/db.h"
 
@@ -40,7 +40,7 @@ int main(int argc, char *argv[])
         BenchData::generate(db);
         out << "generate: " << db.size() << " records" << Qt::endl;
     }
-    RecordScreen::registerGeneric();
+    Screens::registerAll();
     runShellBench(path, runs, out);
     return 0;
 }

@@ -1,7 +1,7 @@
 // The program's entry: a headless verb when one is named, otherwise the window.
 #include "verbs.h"
 
-#include "shell/recordscreen.h"
+#include "screens/screens.h"
 #include "shell/tlapp.h"
 
 #include <QtCore/QCommandLineParser>
@@ -16,7 +16,7 @@ int main(int argc, char *argv[])
 {
     // No verb: the window. Later layers register their screens and help pages before this.
     if (TLApp::wantsWindow(argc, argv)) {
-        RecordScreen::registerGeneric();
+        Screens::registerAll();
         return TLApp::run(argc, argv);
     }
     // A verb (or --help) lays out and draws documents with no display.

@@ -1,1 +1,12 @@
-// Placeholder until the screens layer arrives.
+#include "screens.h"
+
+#include "shell/recordscreen.h"
+
+namespace Screens {
+
+void registerAll()
+{
+    RecordScreen::registerGeneric();
+}
+
+} // namespace Screens
