@@ -1,4 +1,5 @@
 // The window's benchmark: its own executable, since the store's benchmark links no widgets.
+#include "ganttbench.h"
 #include "generator.h"
 #include "shellbench.h"
 
@@ -42,5 +43,6 @@ int main(int argc, char *argv[])
     }
     Screens::registerAll();
     runShellBench(path, runs, out);
+    runGanttBench(runs, out);
     return 0;
 }

@@ -111,6 +111,8 @@ void GanttCanvas::paintEvent(QPaintEvent *e)
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
     p.setClipRect(dirty);
+    // The chart's own ground, so the weekends' darker columns read against it.
+    p.fillRect(dirty, theme.panel);
 
     // Grid: only the days inside the part being repainted.
     const QFont label = ui.font(GanttSize::kLabel);

@@ -42,6 +42,15 @@ QList<Rec> tasksOf(const DB &db, const QString &project)
     return db.list(u"task"_s, RecFilter{.project = project});
 }
 
+// The After face cut to its button, the whole list in the tip.
+void showAfter(FWChromeButton *button, const QString &text)
+{
+    const FWUI &ui = FWUI::shared();
+    const QFontMetrics fm(ui.font(12.5, QFont::DemiBold));
+    button->setText(fm.elidedText(text, Qt::ElideRight, ui.px(kAfterW - 20)));
+    button->setToolTip(text.isEmpty() ? u"Starts after: choose predecessors"_s : u"Starts after "_s + text);
+}
+
 } // namespace
 
 GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *parent)
@@ -200,7 +209,7 @@ void GanttView::refresh()
                 if (auto *r = dynamic_cast<Refreshable *>(child))
                     r->refresh();
             if (auto *after = m_rows[i]->findChild<FWChromeButton *>(u"after"_s))
-                after->setText(afterText(m_db, tasks[i]));
+                showAfter(after, afterText(m_db, tasks[i]));
         }
     }
     m_column->adjustSize();
@@ -222,10 +231,10 @@ QWidget *GanttView::makeRow(const Rec &task)
     start->setFixedWidth(ui.px(kStartW));
     auto *days = new NumberField(bind(u"duration"_s), false, u"0"_s, row);
     days->setFixedWidth(ui.px(kDaysW));
-    auto *after = new FWChromeButton(afterText(m_db, task), QString(), row);
+    auto *after = new FWChromeButton(QString(), QString(), row);
     after->setObjectName(u"after"_s);
     after->setFixedWidth(ui.px(kAfterW));
-    after->setToolTip(u"Predecessors: this task starts after they finish"_s);
+    showAfter(after, afterText(m_db, task));
     connect(after, &QAbstractButton::clicked, this, [this, after, id = task.id] {
         const int i = int(m_rowIDs.indexOf(id));
         if (QMenu *menu = afterMenu(i))

@@ -1,5 +1,8 @@
 #include "screens.h"
 
+#include "plansscreen.h"
+#include "schedulescreen.h"
+
 #include "shell/recordscreen.h"
 
 namespace Screens {
@@ -7,6 +10,8 @@ namespace Screens {
 void registerAll()
 {
     RecordScreen::registerGeneric();
+    ScheduleScreen::registerScreen();
+    PlansScreen::registerScreen();
 }
 
 } // namespace Screens

@@ -1,0 +1,581 @@
+#include "plansscreen.h"
+
+#include "markupview.h"
+
+#include "calc/datefmt.h"
+#include "catalog/moduledef.h"
+#include "documents/pdfmarks.h"
+#include "documents/pdfwrite.h"
+#include "look/alert.h"
+#include "look/buttons.h"
+#include "look/chrome.h"
+#include "look/fwui.h"
+#include "look/icons.h"
+#include "look/segment.h"
+#include "shell/emptystate.h"
+#include "shell/fieldeditors.h"
+#include "shell/nav.h"
+#include "shell/notice.h"
+#include "shell/pickproject.h"
+#include "shell/printbutton.h"
+#include "shell/printcenter.h"
+#include "shell/recordeditor.h"
+#include "shell/screentitle.h"
+#include "store/db.h"
+#include "workflows/binding.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QUrl>
+#include <QtGui/QDesktopServices>
+#include <QtGui/QPainter>
+#include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QStringList kDisciplines{u"General"_s,    u"Civil"_s,      u"Architectural"_s, u"Structural"_s,
+                               u"Mechanical"_s, u"Electrical"_s, u"Plumbing"_s,      u"Landscape"_s};
+const QStringList kToolLabels{u"Pan"_s, u"Pen"_s, u"Box"_s, u"Highlight"_s, u"Note"_s};
+
+QIcon swatch(const QColor &color)
+{
+    QPixmap pm(14, 14);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(QColor(0, 0, 0, 90), 1));
+    p.setBrush(color);
+    p.drawEllipse(QRectF(1, 1, 12, 12));
+    return QIcon(pm);
+}
+
+// One line of the sheet list: symbol, number and title, and the dim line under them.
+QWidget *sheetRow(const Rec &sheet)
+{
+    const FWUI &ui = FWUI::shared();
+    const FWTheme &theme = ui.theme();
+    const bool old = sheet.f.value(u"status") == u"Superseded";
+    auto *w = new QWidget;
+    auto *row = new QHBoxLayout(w);
+    row->setContentsMargins(ui.px(8), ui.px(5), ui.px(8), ui.px(5));
+    row->setSpacing(ui.px(8));
+    auto *icon = new QLabel(w);
+    icon->setPixmap(Icons::pixmap(old ? u"clock.arrow.circlepath"_s : u"doc.richtext.fill"_s,
+                                  old ? theme.dim : theme.accent, ui.px(18)));
+    row->addWidget(icon, 0, Qt::AlignTop);
+    auto *texts = new QVBoxLayout;
+    texts->setSpacing(ui.px(1));
+    auto *main = new QLabel(QString(sheet.f.value(u"number") + u"  "_s + sheet.f.value(u"title")), w);
+    main->setTextFormat(Qt::PlainText);
+    main->setFont(ui.font(12.5, QFont::DemiBold));
+    main->setStyleSheet(u"color: %1;"_s.arg((old ? theme.dim : theme.text).name()));
+    auto *dim = new QLabel(QString(u"Rev "_s + sheet.f.value(u"version") + u" · "_s +
+                                   sheet.f.value(u"discipline") + u" · "_s + sheet.f.value(u"date")),
+                           w);
+    dim->setTextFormat(Qt::PlainText);
+    dim->setFont(ui.font(10.5));
+    QColor dimColor = theme.dim;
+    if (old)
+        dimColor.setAlphaF(0.7f);
+    dim->setStyleSheet(u"color: %1;"_s.arg(dimColor.name(QColor::HexArgb)));
+    texts->addWidget(main);
+    texts->addWidget(dim);
+    row->addLayout(texts, 1);
+    return w;
+}
+
+} // namespace
+
+PlansScreen::ChooseFiles &PlansScreen::chooseFilesHook()
+{
+    static ChooseFiles hook;
+    return hook;
+}
+
+PlansScreen::Confirm &PlansScreen::confirmDeleteHook()
+{
+    static Confirm hook;
+    return hook;
+}
+
+PlansScreen::Report &PlansScreen::reportHook()
+{
+    static Report hook;
+    return hook;
+}
+
+const QList<std::pair<QString, QColor>> &PlansScreen::colors()
+{
+    static const QList<std::pair<QString, QColor>> list{{u"Red"_s, QColor(255, 59, 48)},
+                                                        {u"Blue"_s, QColor(0, 122, 255)},
+                                                        {u"Green"_s, QColor(40, 180, 80)},
+                                                        {u"Orange"_s, QColor(255, 149, 0)}};
+    return list;
+}
+
+PlansScreen::PlansScreen(const ScreenContext &ctx, QWidget *parent)
+    : ShellScreen(parent)
+    , m_db(ctx.db)
+    , m_nav(ctx.nav)
+    , m_m(ctx.module)
+    , m_box(new QVBoxLayout(this))
+{
+    connect(&FWUI::shared(), &FWUI::changed, this, [this] {
+        m_key.clear();
+        rebuild();
+    });
+    rebuild();
+}
+
+PlansScreen::~PlansScreen() = default;
+
+void PlansScreen::registerScreen()
+{
+    ModuleArea::registerScreen(u"plans"_s, [](const ScreenContext &ctx) { return new PlansScreen(ctx); });
+}
+
+std::pair<QString, QString> PlansScreen::sheetName(const QString &fileName, qsizetype existing, qsizetype n)
+{
+    const QString name = QFileInfo(fileName).completeBaseName();
+    const qsizetype blank = name.indexOf(u' ');
+    if (blank > 0) {
+        const QString first = name.left(blank);
+        if (std::any_of(first.begin(), first.end(), [](QChar c) { return c.isDigit(); }))
+            return {first, name.mid(blank + 1)};
+    }
+    return {u"S-%1"_s.arg(qlonglong(existing + n), 2, 10, QChar(u'0')), name};
+}
+
+QList<Rec> PlansScreen::sheetsInOrder(const DB &db, const QString &project)
+{
+    QList<Rec> sheets = db.list(u"plan_sheet"_s, RecFilter{.project = project});
+    std::stable_sort(sheets.begin(), sheets.end(), [](const Rec &a, const Rec &b) {
+        const QString &na = a.f.value(u"number"), &nb = b.f.value(u"number");
+        if (na != nb)
+            return na < nb;
+        return a.i(u"version") > b.i(u"version");
+    });
+    return sheets;
+}
+
+PrintJob PlansScreen::sheetJob(const DB &db, const QString &sheetID)
+{
+    return PrintJob{u"Plan sheet"_s, [db = &db, sheetID]() -> std::optional<PrintSource> {
+                        const std::optional<Rec> sheet = db->get(sheetID);
+                        return sheet ? PDFOut::sheetSource(*db, *sheet) : std::nullopt;
+                    }};
+}
+
+QStringList PlansScreen::addSheets(const Rec &project, const QStringList &paths)
+{
+    const qsizetype existing = m_db.count(u"plan_sheet"_s, RecFilter{.project = project.id});
+    QStringList problems;
+    QString last;
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const QString &path = paths[i];
+        if (const std::optional<QString> problem = PdfMarkup::problem(path)) {
+            problems.append(*problem);
+            continue;
+        }
+        const std::optional<QString> stored = m_db.importFile(path);
+        if (!stored) {
+            problems.append(
+                u"“%1” could not be copied into the company's files."_s.arg(QFileInfo(path).fileName()));
+            continue;
+        }
+        const auto [number, title] = sheetName(QFileInfo(path).fileName(), existing, i + 1);
+        last = m_db.add(u"plan_sheet"_s, project.id, QString(),
+                        {{u"number"_s, number},
+                         {u"title"_s, title},
+                         {u"version"_s, u"1"_s},
+                         {u"status"_s, u"Current"_s},
+                         {u"discipline"_s, u"General"_s},
+                         {u"date"_s, DateFmt::iso(DateFmt::today())},
+                         {u"file"_s, *stored}})
+                   .id;
+    }
+    if (!last.isEmpty())
+        m_nav.setSelected(m_m.id, last);
+    refresh();
+    return problems;
+}
+
+std::optional<QString> PlansScreen::newVersion(const Rec &sheet, const QString &path)
+{
+    if (const std::optional<QString> problem = PdfMarkup::problem(path))
+        return problem;
+    const std::optional<QString> stored = m_db.importFile(path);
+    if (!stored)
+        return u"“%1” could not be copied into the company's files."_s.arg(QFileInfo(path).fileName());
+    const QString number = sheet.f.value(u"number");
+    qint64 highest = 0;
+    QList<Rec> superseded;
+    for (Rec r : m_db.list(u"plan_sheet"_s, RecFilter{.project = sheet.project})) {
+        if (r.f.value(u"number") != number)
+            continue;
+        highest = std::max(highest, r.i(u"version"));
+        // The older revisions keep their files and marks; only their status changes.
+        if (r.f.value(u"status") != u"Superseded") {
+            r.f.insert(u"status"_s, u"Superseded"_s);
+            superseded.append(r);
+        }
+    }
+    if (!superseded.isEmpty())
+        m_db.saveAll(superseded);
+    const Rec made = m_db.add(u"plan_sheet"_s, sheet.project, QString(),
+                              {{u"number"_s, number},
+                               {u"title"_s, sheet.f.value(u"title")},
+                               {u"discipline"_s, sheet.f.value(u"discipline")},
+                               {u"version"_s, QString::number(highest + 1)},
+                               {u"status"_s, u"Current"_s},
+                               {u"date"_s, DateFmt::iso(DateFmt::today())},
+                               {u"file"_s, *stored}},
+                              sheet.company);
+    m_nav.setSelected(m_m.id, made.id);
+    refresh();
+    return std::nullopt;
+}
+
+void PlansScreen::refresh()
+{
+    rebuild();
+}
+
+void PlansScreen::rebuild()
+{
+    const FWUI &ui = FWUI::shared();
+    m_box->setContentsMargins(ui.px(24), ui.px(18), ui.px(24), ui.px(18));
+    const std::optional<Rec> project = m_nav.project(m_db);
+    const QString key = project ? project->id : u"pick|"_s + QString::number(m_db.count(u"project"_s));
+    if (key != m_key) {
+        m_key = key;
+        delete m_body;
+        m_list = nullptr;
+        m_view = nullptr;
+        m_notice = nullptr;
+        m_title = nullptr;
+        m_discipline = nullptr;
+        m_printable = nullptr;
+        m_viewerBody = nullptr;
+        m_listKey.clear();
+        m_shownID.clear();
+        if (!project) {
+            m_body = new PickProject(m_db, m_nav, m_m, this);
+            m_box->addWidget(m_body, 1);
+            return;
+        }
+        m_body = new QWidget(this);
+        auto *col = new QVBoxLayout(m_body);
+        col->setContentsMargins(0, 0, 0, 0);
+        col->setSpacing(ui.px(12));
+        col->addWidget(new ScreenTitle(m_m, project->f.value(u"name"), nullptr, m_body));
+        auto *split = new QHBoxLayout;
+        split->setSpacing(ui.px(14));
+        col->addLayout(split, 1);
+
+        auto *left = new FWPanel(m_body);
+        left->setFixedWidth(ui.px(350));
+        auto *leftBox = new QVBoxLayout(left);
+        leftBox->setContentsMargins(ui.px(12), ui.px(12), ui.px(12), ui.px(12));
+        leftBox->setSpacing(ui.px(8));
+        auto *buttons = new QHBoxLayout;
+        auto *add = new FWChromeButton(u"Add Sheets (PDF)…"_s, u"plus"_s, left);
+        add->setProminent(true);
+        connect(add, &QAbstractButton::clicked, this, &PlansScreen::chooseAndAdd);
+        m_newVersion = new FWChromeButton(u"New Version…"_s, u"arrow.triangle.2.circlepath"_s, left);
+        connect(m_newVersion, &QAbstractButton::clicked, this, &PlansScreen::chooseAndRevise);
+        buttons->addWidget(add);
+        buttons->addWidget(m_newVersion);
+        buttons->addStretch(1);
+        leftBox->addLayout(buttons);
+        m_caption = new FWCaption(QString(), left);
+        leftBox->addWidget(m_caption);
+        m_list = new QListWidget(left);
+        m_list->setFrameShape(QFrame::NoFrame);
+        m_list->setSelectionMode(QAbstractItemView::SingleSelection);
+        m_list->setStyleSheet(
+            u"QListWidget { background: transparent; } QListWidget::item:selected { background: %1; "
+            u"border-radius: 6px; }"_s.arg(ui.theme().raised.name()));
+        FieldLook::thinScrollBar(m_list->verticalScrollBar());
+        connect(m_list, &QListWidget::currentItemChanged, this, [this](QListWidgetItem *item) {
+            if (!item)
+                return;
+            m_nav.setSelected(m_m.id, item->data(Qt::UserRole).toString());
+            refresh();
+        });
+        leftBox->addWidget(m_list, 1);
+        m_empty =
+            new QLabel(u"No plan sheets yet. Click Add Sheets (PDF)… — each PDF becomes a sheet; multi-page "
+                       u"sets work too."_s,
+                       left);
+        m_empty->setWordWrap(true);
+        m_empty->setStyleSheet(u"color: %1;"_s.arg(ui.theme().dim.name()));
+        m_empty->setFont(ui.font(12));
+        leftBox->addWidget(m_empty);
+        leftBox->addStretch(0);
+        split->addWidget(left);
+
+        m_viewerBox = new QWidget(m_body);
+        m_viewerLayout = new QVBoxLayout(m_viewerBox);
+        m_viewerLayout->setContentsMargins(0, 0, 0, 0);
+        split->addWidget(m_viewerBox, 1);
+        m_box->addWidget(m_body, 1);
+    }
+    if (!project)
+        return;
+
+    const QList<Rec> sheets = sheetsInOrder(m_db, project->id);
+    fillList(sheets);
+    const QString selected = m_nav.selected(m_m.id);
+    std::optional<Rec> sheet;
+    for (const Rec &s : sheets)
+        if (s.id == selected)
+            sheet = s;
+    m_newVersion->setVisible(sheet.has_value());
+    showSheet(sheet);
+}
+
+void PlansScreen::fillList(const QList<Rec> &sheets)
+{
+    QString key;
+    qsizetype current = 0;
+    for (const Rec &s : sheets) {
+        key += s.id + s.f.value(u"number") + s.f.value(u"title") + s.f.value(u"version") +
+               s.f.value(u"status") + s.f.value(u"discipline") + s.f.value(u"date") + u'|';
+        current += s.f.value(u"status") != u"Superseded";
+    }
+    m_caption->setText(QString::number(current) + u" current · "_s + QString::number(sheets.size()) +
+                       (sheets.size() == 1 ? u" sheet"_s : u" sheets"_s));
+    m_list->setVisible(!sheets.isEmpty());
+    m_empty->setVisible(sheets.isEmpty());
+    const QString selected = m_nav.selected(m_m.id);
+    if (key != m_listKey) {
+        m_listKey = key;
+        const QSignalBlocker quiet(m_list);
+        m_list->clear();
+        for (const Rec &s : sheets) {
+            auto *item = new QListWidgetItem(m_list);
+            item->setData(Qt::UserRole, s.id);
+            QWidget *row = sheetRow(s);
+            item->setSizeHint(row->sizeHint());
+            m_list->setItemWidget(item, row);
+        }
+    }
+    const QSignalBlocker quiet(m_list);
+    for (int i = 0; i < m_list->count(); ++i)
+        if (m_list->item(i)->data(Qt::UserRole).toString() == selected)
+            m_list->setCurrentRow(i);
+}
+
+void PlansScreen::showSheet(const std::optional<Rec> &sheet)
+{
+    const QString id = sheet ? sheet->id : QString();
+    if (id == m_shownID && m_viewerBody) {
+        // The same sheet: only what the store may have changed.
+        if (m_title)
+            m_title->refresh();
+        if (m_discipline)
+            m_discipline->refresh();
+        return;
+    }
+    m_shownID = id;
+    delete m_viewerBody;
+    m_view = nullptr;
+    m_notice = nullptr;
+    m_title = nullptr;
+    m_discipline = nullptr;
+    m_printable = nullptr;
+    if (!sheet) {
+        m_viewerBody =
+            new EmptyState(m_m.symbol, u"No sheet chosen"_s,
+                           u"Choose a sheet on the left, or add sheets from PDF files."_s, m_viewerBox);
+        m_viewerLayout->addWidget(m_viewerBody, 1);
+        return;
+    }
+    const FWUI &ui = FWUI::shared();
+    m_viewerBody = new QWidget(m_viewerBox);
+    auto *col = new QVBoxLayout(m_viewerBody);
+    col->setContentsMargins(0, 0, 0, 0);
+    col->setSpacing(ui.px(8));
+    if (sheet->f.value(u"status") == u"Superseded") {
+        m_notice = new Notice(u"This is an old revision (Rev "_s + sheet->f.value(u"version") +
+                                  u"). Markups here won't show on the current sheet."_s,
+                              Notice::orange(), u"exclamationmark.triangle.fill"_s, m_viewerBody);
+        col->addWidget(m_notice);
+    }
+
+    auto *tools = new QHBoxLayout;
+    tools->setSpacing(ui.px(8));
+    m_tools = new FWSegment(kToolLabels, m_viewerBody);
+    m_tools->setCurrent(int(MarkupView::toolNames().indexOf(m_tool)));
+    connect(m_tools, &FWSegment::currentChanged, this,
+            [this](int i) { setTool(MarkupView::toolNames().value(i, u"pan"_s)); });
+    tools->addWidget(m_tools);
+    m_color = new FWChromeButton(m_colorName, u"paintpalette.fill"_s, m_viewerBody);
+    m_color->setToolTip(u"Colour of new marks"_s);
+    connect(m_color, &QAbstractButton::clicked, this, [this] {
+        QMenu menu(this);
+        for (const auto &[name, color] : colors()) {
+            QAction *a = menu.addAction(swatch(color), name);
+            a->setCheckable(true);
+            a->setChecked(name == m_colorName);
+            connect(a, &QAction::triggered, this, [this, name] { setColorName(name); });
+        }
+        menu.exec(m_color->mapToGlobal(QPoint(0, m_color->height())));
+    });
+    tools->addWidget(m_color);
+    auto *undoButton = new FWChromeButton(u"Undo"_s, u"arrow.uturn.backward"_s, m_viewerBody);
+    undoButton->setToolTip(u"Take away the last mark made since this sheet was opened"_s);
+    connect(undoButton, &QAbstractButton::clicked, this, &PlansScreen::undo);
+    tools->addWidget(undoButton);
+    tools->addStretch(1);
+    col->addLayout(tools);
+
+    auto *fields = new QHBoxLayout;
+    fields->setSpacing(ui.px(8));
+    m_title = new ThemedTextField(TextBinding::of(recBinding(m_db, id, u"title"_s)), u"Sheet title"_s, false,
+                                  m_viewerBody);
+    fields->addWidget(m_title, 1);
+    ThemedChoice::Options options;
+    for (const QString &d : kDisciplines)
+        options.append({d, d});
+    m_discipline =
+        new ThemedChoice(TextBinding::of(recBinding(m_db, id, u"discipline"_s)), options, m_viewerBody);
+    fields->addWidget(m_discipline);
+    auto *open = new FWChromeButton(u"Open in Preview"_s, u"arrow.up.forward.app"_s, m_viewerBody);
+    connect(open, &QAbstractButton::clicked, this, &PlansScreen::openInViewer);
+    fields->addWidget(open);
+    fields->addWidget(new PrintButton(sheetJob(m_db, id), false, false, m_viewerBody));
+    auto *del = new FWChromeButton(u"Delete sheet"_s, u"trash"_s, m_viewerBody);
+    connect(del, &QAbstractButton::clicked, this, &PlansScreen::deleteSheet);
+    fields->addWidget(del);
+    col->addLayout(fields);
+
+    m_view = new MarkupView(m_db.fileURL(sheet->f.value(u"file"), sheet->company), m_viewerBody);
+    m_view->setTool(m_tool);
+    for (const auto &[name, color] : colors())
+        if (name == m_colorName)
+            m_view->setMarkColor(color);
+    if (m_view->isValid()) {
+        col->addWidget(m_view, 1);
+    } else {
+        delete m_view;
+        m_view = nullptr;
+        col->addWidget(new EmptyState(u"exclamationmark.triangle.fill"_s,
+                                      u"This sheet's file cannot be read"_s,
+                                      u"It is missing or damaged. Add the drawing again as a new version."_s,
+                                      m_viewerBody),
+                       1);
+    }
+    m_printable = new Printable(m_viewerBody, 2, sheetJob(m_db, id));
+    m_viewerLayout->addWidget(m_viewerBody, 1);
+}
+
+void PlansScreen::setTool(const QString &tool)
+{
+    m_tool = MarkupView::toolNames().contains(tool) ? tool : u"pan"_s;
+    if (m_view)
+        m_view->setTool(m_tool);
+    if (m_tools)
+        m_tools->setCurrent(int(MarkupView::toolNames().indexOf(m_tool)));
+}
+
+void PlansScreen::setColorName(const QString &name)
+{
+    for (const auto &[n, color] : colors()) {
+        if (n != name)
+            continue;
+        m_colorName = n;
+        if (m_view)
+            m_view->setMarkColor(color);
+        if (m_color)
+            m_color->setText(n);
+    }
+}
+
+void PlansScreen::undo()
+{
+    if (m_view)
+        m_view->undoLast();
+}
+
+void PlansScreen::deleteSheet()
+{
+    if (m_shownID.isEmpty())
+        return;
+    bool yes = false;
+    if (const Confirm &hook = confirmDeleteHook()) {
+        yes = hook(this);
+    } else {
+        QMessageBox box(QMessageBox::Warning, RecordEditor::deleteTitle(m_m), RecordEditor::deleteTitle(m_m),
+                        QMessageBox::NoButton, this);
+        box.setInformativeText(RecordEditor::deleteMessage(m_m));
+        QPushButton *del = box.addButton(u"Delete"_s, QMessageBox::DestructiveRole);
+        box.addButton(u"Cancel"_s, QMessageBox::RejectRole);
+        box.exec();
+        yes = box.clickedButton() == del;
+    }
+    if (!yes)
+        return;
+    const QString id = m_shownID;
+    m_nav.setSelected(m_m.id, QString());
+    m_db.remove(id);
+    refresh();
+}
+
+void PlansScreen::openInViewer()
+{
+    if (const std::optional<Rec> sheet = m_db.get(m_shownID))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(m_db.fileURL(sheet->f.value(u"file"), sheet->company)));
+}
+
+void PlansScreen::chooseAndAdd()
+{
+    const std::optional<Rec> project = m_nav.project(m_db);
+    if (!project)
+        return;
+    const ChooseFiles &hook = chooseFilesHook();
+    const QStringList paths = hook ? hook(this, true)
+                                   : QFileDialog::getOpenFileNames(this, u"Add Sheets"_s, QDir::homePath(),
+                                                                   u"PDF files (*.pdf *.PDF)"_s);
+    if (paths.isEmpty())
+        return;
+    const QStringList problems = addSheets(*project, paths);
+    if (problems.isEmpty())
+        return;
+    const QString title =
+        problems.size() == paths.size() ? u"No sheets were added"_s : u"Some files were not added"_s;
+    if (const Report &report = reportHook())
+        report(this, title, problems.join(u'\n'));
+    else
+        FWAlert::show(this, title, problems.join(u'\n'));
+}
+
+void PlansScreen::chooseAndRevise()
+{
+    const std::optional<Rec> sheet = m_db.get(m_shownID);
+    if (!sheet)
+        return;
+    const ChooseFiles &hook = chooseFilesHook();
+    const QStringList paths =
+        hook ? hook(this, false)
+             : QStringList{QFileDialog::getOpenFileName(this, u"New Version"_s, QDir::homePath(),
+                                                        u"PDF files (*.pdf *.PDF)"_s)};
+    if (paths.isEmpty() || paths.first().isEmpty())
+        return;
+    if (const std::optional<QString> problem = newVersion(*sheet, paths.first())) {
+        if (const Report &report = reportHook())
+            report(this, u"The new version was not added"_s, *problem);
+        else
+            FWAlert::show(this, u"The new version was not added"_s, *problem);
+    }
+}
