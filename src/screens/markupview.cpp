@@ -176,17 +176,37 @@ const QImage &MarkupView::tileFor(int page, const QRect &visible, double dpr)
         return tile.image;
     const QRect whole(0, 0, int(std::ceil(m_sizes[page].width() * s)),
                       int(std::ceil(m_sizes[page].height() * s)));
-    QRect area = whole;
-    if (qint64(whole.width()) * whole.height() > kWholePage) {
-        // A quarter view of margin on every side, so a little scrolling draws nothing new.
-        const int mx = int(viewport()->width() * dpr / 4), my = int(viewport()->height() * dpr / 4);
-        area = visible.adjusted(-mx, -my, mx, my) & whole;
+    if (qint64(whole.width()) * whole.height() <= kWholePage) {
+        tile.area = whole;
+        tile.image = m_pdf->render(page, s, whole);
+        ++m_renders;
+    } else if (tile.scale != s || !tile.area.intersects(visible)) {
+        // A large page at a new scale: first only what shows, so the view answers at once.
+        tile.area = visible & whole;
+        tile.image = m_pdf->render(page, s, tile.area);
+        ++m_renders;
+    } else {
+        // Scrolled on: keep what was drawn, and draw only the strips coming
+        // into view with an eighth of a view beyond them, so the next few
+        // steps of scrolling draw nothing.
+        const int mx = int(viewport()->width() * dpr / 8), my = int(viewport()->height() * dpr / 8);
+        const QRect area = visible.adjusted(-mx, -my, mx, my) & whole;
+        QImage grown(area.size(), QImage::Format_ARGB32_Premultiplied);
+        grown.fill(Qt::white);
+        QImage kept = tile.image;
+        kept.setDevicePixelRatio(1); // composed in device pixels
+        QPainter p(&grown);
+        p.drawImage(tile.area.topLeft() - area.topLeft(), kept);
+        for (const QRect &strip : QRegion(area).subtracted(QRegion(tile.area))) {
+            p.drawImage(strip.topLeft() - area.topLeft(), m_pdf->render(page, s, strip));
+            ++m_renders;
+        }
+        p.end();
+        tile.area = area;
+        tile.image = std::move(grown);
     }
     tile.scale = s;
-    tile.area = area;
-    tile.image = m_pdf->render(page, s, area);
     tile.image.setDevicePixelRatio(dpr);
-    ++m_renders;
     if (m_tiles.size() > kKeptTiles) {
         // Let go of the pages farthest from this one.
         QList<int> pages = m_tiles.keys();

@@ -273,6 +273,36 @@ private Q_SLOTS:
         QVERIFY(PdfMarkup::problem(dir.filePath(u"missing.pdf"_s))->contains(u"could not be read"_s));
     }
 
+    // On a page turned a quarter in its file, a mark lands where it was drawn on the page as shown.
+    void marksOnATurnedPageLandWhereDrawn()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(u"turned.pdf"_s);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(assemble({"<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+                             "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Rotate 90 >>"},
+                            QByteArray()));
+        file.close();
+        {
+            PdfMarkup pdf(path);
+            QCOMPARE(pdf.pageSize(0).toSize(), QSize(792, 612));
+            QVERIFY(pdf.addHighlight(0, QRectF(100, 100, 200, 100), Qt::green) > 0);
+            QVERIFY(pdf.save());
+        }
+        const PdfMarkup again(path);
+        const QImage page = again.render(0, 1.0, QRect(0, 0, 792, 612));
+        QCOMPARE(page.size(), QSize(792, 612));
+        const QColor inside = page.pixelColor(200, 150), outside = page.pixelColor(600, 450);
+        QVERIFY2(inside.green() > inside.red() + 40, qPrintable(inside.name()));
+        QCOMPARE(outside, QColor(Qt::white));
+        const QRectF rect = again.marks(0).value(0).rect;
+        QVERIFY2(
+            std::abs(rect.x() - 100) < 0.5 && std::abs(rect.y() - 100) < 0.5 &&
+                std::abs(rect.width() - 200) < 0.5,
+            qPrintable(u"%1,%2 %3×%4"_s.arg(rect.x()).arg(rect.y()).arg(rect.width()).arg(rect.height())));
+    }
+
     // A part of a page comes out at the size asked, so the view can draw only what shows.
     void rendersThePartAsked()
     {

@@ -23,6 +23,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListWidget>
+#include <QtWidgets/QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -427,6 +428,36 @@ private Q_SLOTS:
             edge = c.blue() > c.red() + 60;
         }
         QVERIFY(edge);
+    }
+
+    // Scrolling a zoomed-in page draws only the strips coming into view, and
+    // the page pieced together that way looks the same as one drawn whole.
+    void scrolledPageMatchesAFreshDraw()
+    {
+        const QString path = drawing(m_dir.filePath(u"big.pdf"_s));
+        MarkupView a(path), b(path);
+        for (MarkupView *v : {&a, &b}) {
+            v->resize(800, 600);
+            v->setAttribute(Qt::WA_DontShowOnScreen);
+            v->show();
+            v->setZoom(6);
+        }
+        a.grab();
+        const int first = a.renders();
+        a.horizontalScrollBar()->setValue(a.horizontalScrollBar()->value() + 50);
+        a.verticalScrollBar()->setValue(a.verticalScrollBar()->value() + 70);
+        const QImage pieced = a.grab().toImage();
+        QVERIFY2(a.renders() > first && a.renders() <= first + 3, qPrintable(QString::number(a.renders())));
+        // A little more scrolling stays within what was drawn.
+        const int after = a.renders();
+        a.verticalScrollBar()->setValue(a.verticalScrollBar()->value() + 10);
+        a.grab();
+        QCOMPARE(a.renders(), after);
+        a.verticalScrollBar()->setValue(a.verticalScrollBar()->value() - 10);
+        b.horizontalScrollBar()->setValue(a.horizontalScrollBar()->value());
+        b.verticalScrollBar()->setValue(a.verticalScrollBar()->value());
+        QCOMPARE(a.grab().toImage(), b.grab().toImage());
+        QCOMPARE(pieced, b.grab().toImage());
     }
 
     // The view draws only pages in sight, and keeps what it drew while scrolling back and forth.
