@@ -78,7 +78,7 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
     buttons->addWidget(add);
     buttons->addWidget(pdf);
     buttons->addWidget(m_print);
-    m_title = new ScreenTitle(m, subtitle(db, project), trailing, this);
+    m_title = new ScreenTitle(m, QString(), trailing, this);
     outer->addWidget(m_title);
     m_printable = new Printable(this, 1, printJob());
 
@@ -127,16 +127,14 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
 
 GanttView::~GanttView() = default;
 
-QString GanttView::subtitle(const DB &db, const Rec &project)
+QString GanttView::subtitle(const Rec &project, const QHash<QString, DateSpan> &dates)
 {
-    const QHash<QString, DateSpan> dates = scheduleDates(db, project.id);
     QDate last;
     for (const DateSpan &span : dates)
         if (span.finish.isValid() && (!last.isValid() || span.finish > last))
             last = span.finish;
-    const qsizetype n = db.count(u"task"_s, RecFilter{.project = project.id});
-    return QString(project.f.value(u"name") + u" · "_s + QString::number(n) + u" tasks · finish "_s +
-                   (last.isValid() ? DateFmt::nice(last) : u"—"_s));
+    return QString(project.f.value(u"name") + u" · "_s + QString::number(dates.size()) +
+                   u" tasks · finish "_s + (last.isValid() ? DateFmt::nice(last) : u"—"_s));
 }
 
 QString GanttView::afterText(const DB &db, const Rec &task)
@@ -187,7 +185,7 @@ void GanttView::refresh()
     const QList<Rec> tasks = tasksOf(m_db, m_project.id);
     const QHash<QString, DateSpan> dates = scheduleDates(m_db, m_project.id);
     m_canvas->setSchedule(tasks, dates, GanttRange::of(dates, m_project.f.value(u"start"), DateFmt::today()));
-    m_title->setSubtitle(subtitle(m_db, m_project));
+    m_title->setSubtitle(subtitle(m_project, dates));
     m_printable->setTitle(u"Schedule "_s + m_project.f.value(u"name"));
 
     QStringList ids;

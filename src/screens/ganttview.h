@@ -1,4 +1,5 @@
 #pragma once
+#include "calc/schedule.h"
 #include "store/rec.h"
 
 #include <QtWidgets/QWidget>
@@ -34,8 +35,8 @@ public:
     static void togglePred(DB &db, const Rec &task, const QString &predID);
     // The printable schedule of the project.
     static QString scheduleHTML(const DB &db, const Rec &project);
-    // "<name> · <n> tasks · finish <date>".
-    static QString subtitle(const DB &db, const Rec &project);
+    // "<name> · <n> tasks · finish <date>", from the project's worked-out dates.
+    static QString subtitle(const Rec &project, const QHash<QString, DateSpan> &dates);
     // The After menu's face: the names of the task's predecessors that still exist.
     static QString afterText(const DB &db, const Rec &task);
 

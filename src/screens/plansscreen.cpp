@@ -346,34 +346,39 @@ void PlansScreen::rebuild()
 
 void PlansScreen::fillList(const QList<Rec> &sheets)
 {
-    QString key;
+    // What each row shows; a row is made again only when its own text changed.
+    QStringList ids, keys;
     qsizetype current = 0;
     for (const Rec &s : sheets) {
-        key += s.id + s.f.value(u"number") + s.f.value(u"title") + s.f.value(u"version") +
-               s.f.value(u"status") + s.f.value(u"discipline") + s.f.value(u"date") + u'|';
+        ids.append(s.id);
+        keys.append(s.f.value(u"number") + u'|' + s.f.value(u"title") + u'|' + s.f.value(u"version") + u'|' +
+                    s.f.value(u"status") + u'|' + s.f.value(u"discipline") + u'|' + s.f.value(u"date"));
         current += s.f.value(u"status") != u"Superseded";
     }
     m_caption->setText(QString::number(current) + u" current · "_s + QString::number(sheets.size()) +
                        (sheets.size() == 1 ? u" sheet"_s : u" sheets"_s));
     m_list->setVisible(!sheets.isEmpty());
     m_empty->setVisible(sheets.isEmpty());
-    const QString selected = m_nav.selected(m_m.id);
-    if (key != m_listKey) {
-        m_listKey = key;
-        const QSignalBlocker quiet(m_list);
-        m_list->clear();
-        for (const Rec &s : sheets) {
-            auto *item = new QListWidgetItem(m_list);
-            item->setData(Qt::UserRole, s.id);
-            QWidget *row = sheetRow(s);
-            item->setSizeHint(row->sizeHint());
-            m_list->setItemWidget(item, row);
-        }
-    }
     const QSignalBlocker quiet(m_list);
-    for (int i = 0; i < m_list->count(); ++i)
-        if (m_list->item(i)->data(Qt::UserRole).toString() == selected)
-            m_list->setCurrentRow(i);
+    const auto setRow = [this](QListWidgetItem *item, const Rec &s, const QString &key) {
+        item->setData(Qt::UserRole, s.id);
+        item->setData(Qt::UserRole + 1, key);
+        QWidget *row = sheetRow(s);
+        item->setSizeHint(row->sizeHint());
+        m_list->setItemWidget(item, row);
+    };
+    if (ids.join(u',') != m_listKey) {
+        m_listKey = ids.join(u',');
+        m_list->clear();
+        for (qsizetype i = 0; i < sheets.size(); ++i)
+            setRow(new QListWidgetItem(m_list), sheets[i], keys[i]);
+    } else {
+        for (int i = 0; i < m_list->count(); ++i)
+            if (m_list->item(i)->data(Qt::UserRole + 1).toString() != keys[i])
+                setRow(m_list->item(i), sheets[i], keys[i]);
+    }
+    const QString selected = m_nav.selected(m_m.id);
+    m_list->setCurrentRow(int(ids.indexOf(selected)));
 }
 
 void PlansScreen::showSheet(const std::optional<Rec> &sheet)
@@ -438,6 +443,20 @@ void PlansScreen::showSheet(const std::optional<Rec> &sheet)
     connect(undoButton, &QAbstractButton::clicked, this, &PlansScreen::undo);
     tools->addWidget(undoButton);
     tools->addStretch(1);
+    // The sheet's own zoom over its fitted width; Ctrl+wheel does the same.
+    const std::tuple<QString, QString, double> zooms[] = {{u"minus.magnifyingglass"_s, u"Zoom out"_s, 0.8},
+                                                          {u"magnifyingglass"_s, u"Fit the width"_s, 0},
+                                                          {u"plus.magnifyingglass"_s, u"Zoom in"_s, 1.25}};
+    for (const auto &[symbol, tip, factor] : zooms) {
+        auto *b = new FWChromeButton(QString(), symbol, m_viewerBody);
+        b->setCompact(true);
+        b->setToolTip(tip);
+        connect(b, &QAbstractButton::clicked, this, [this, factor] {
+            if (m_view)
+                m_view->setZoom(factor > 0 ? m_view->zoom() * factor : 1);
+        });
+        tools->addWidget(b);
+    }
     col->addLayout(tools);
 
     auto *fields = new QHBoxLayout;

@@ -191,6 +191,16 @@ private Q_SLOTS:
         s->list()->setCurrentRow(1);
         QCOMPARE(m_nav->selected(u"plans"_s), sheet(u"S-02"_s, 1).id);
         QCOMPARE(s->viewer()->pageCount(), 3);
+        // A retitled sheet shows its new title in its row, and stays chosen.
+        Rec renamed = sheet(u"A-101"_s, 1);
+        renamed.f.insert(u"title"_s, u"Ground Floor"_s);
+        m_db->save(renamed);
+        s->refresh();
+        QStringList texts;
+        for (QLabel *l : s->list()->itemWidget(s->list()->item(0))->findChildren<QLabel *>())
+            texts << l->text();
+        QVERIFY2(texts.contains(u"A-101  Ground Floor"_s), qPrintable(texts.join(u'|')));
+        QCOMPARE(s->list()->currentRow(), 1);
     }
 
     void badFilesAreRefusedWithoutARecord_data()

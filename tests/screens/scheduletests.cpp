@@ -179,7 +179,9 @@ private Q_SLOTS:
         const Rec p = project(db);
         const Rec a = task(db, p, u"Dig"_s, 5, {}, 1);
         task(db, p, u"Pour"_s, 3, a.id, 2);
-        QCOMPARE(GanttView::subtitle(db, p), u"Clubhouse · 2 tasks · finish Mar 10, 2026"_s);
+        QCOMPARE(GanttView::subtitle(p, scheduleDates(db, p.id)),
+                 u"Clubhouse · 2 tasks · finish Mar 10, 2026"_s);
+        QCOMPARE(GanttView::subtitle(p, {}), u"Clubhouse · 0 tasks · finish —"_s);
     }
 
     // The menu lists the other tasks with checks on the predecessors; a click toggles.
