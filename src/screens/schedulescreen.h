@@ -2,6 +2,7 @@
 #include "shell/modulearea.h"
 
 class GanttView;
+class QVBoxLayout;
 
 // The module "schedule": the chosen project's tasks beside their bar chart,
 // or the request to choose a project.
@@ -22,7 +23,7 @@ private:
     DB &m_db;
     Nav &m_nav;
     const ModuleDef &m_m;
-    class QVBoxLayout *m_box;
+    QVBoxLayout *m_box;
     QWidget *m_body = nullptr;
     GanttView *m_view = nullptr;
     QString m_key;
