@@ -4,6 +4,7 @@
 
 #include <QtCore/QDate>
 #include <QtCore/QHash>
+#include <QtGui/QStaticText>
 #include <QtWidgets/QWidget>
 
 #include <optional>
@@ -57,7 +58,7 @@ private:
     // What one row draws, worked out once per change rather than at each paint.
     struct Bar
     {
-        QString name;
+        QStaticText name; // laid out once, drawn at every paint
         bool dated = false;
         qint64 startDay = 0;
         qint64 finishDay = 0;
