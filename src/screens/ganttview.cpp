@@ -47,7 +47,7 @@ void showAfter(FWChromeButton *button, const QString &text)
 {
     const FWUI &ui = FWUI::shared();
     const QFontMetrics fm(ui.font(12.5, QFont::DemiBold));
-    button->setText(fm.elidedText(text, Qt::ElideRight, ui.px(kAfterW - 20)));
+    button->setText(text.isEmpty() ? u"—"_s : fm.elidedText(text, Qt::ElideRight, ui.px(kAfterW - 20)));
     button->setToolTip(text.isEmpty() ? u"Starts after: choose predecessors"_s : u"Starts after "_s + text);
 }
 
