@@ -17,7 +17,6 @@ class ThemedChoice;
 class ThemedTextField;
 class QLabel;
 class QListWidget;
-class QStackedWidget;
 class QVBoxLayout;
 struct PrintJob;
 
