@@ -1,5 +1,6 @@
 #include "screens.h"
 
+#include "moneygrid.h"
 #include "shell/recordscreen.h"
 
 namespace Screens {
@@ -7,6 +8,7 @@ namespace Screens {
 void registerAll()
 {
     RecordScreen::registerGeneric();
+    registerMoneyScreens();
 }
 
 } // namespace Screens
