@@ -43,6 +43,26 @@ protected:
     }
 };
 
+// Text of a grid cell: cut with an ellipsis when its column is too narrow,
+// the whole text then in the tooltip.
+class GridText : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter p(this);
+        p.setFont(font());
+        p.setPen(palette().color(QPalette::WindowText));
+        const QRect box = contentsRect();
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, box.width());
+        setToolTip(shown == text() ? QString() : text());
+        p.drawText(box, int(alignment()), shown);
+    }
+};
+
 } // namespace
 
 MoneyCell::MoneyCell(QWidget *parent)
@@ -114,9 +134,8 @@ MoneyGrid::MoneyGrid(const GridHead &head, QWidget *parent)
 
 QLabel *MoneyGrid::text(QWidget *row, bool bold)
 {
-    auto *l = new QLabel(row);
+    auto *l = new GridText(row);
     l->setTextFormat(Qt::PlainText);
-    l->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     l->setFont(FWUI::shared().font(12.5, bold ? QFont::Bold : QFont::Normal));
     connect(&FWUI::shared(), &FWUI::changed, l,
             [l, bold] { l->setFont(FWUI::shared().font(12.5, bold ? QFont::Bold : QFont::Normal)); });
@@ -173,11 +192,20 @@ void MoneyGrid::restyle()
             h->setContentsMargins(ui.px(6), ui.px(4), ui.px(6), ui.px(4));
         }
         for (qsizetype i = 0; i < cells.size() && i < m_head.size(); ++i) {
+            QWidget *cell = cells.at(i);
             const int w = m_head.at(i).width;
-            if (w > 0)
-                cells.at(i)->setFixedWidth(ui.px(w));
-            else
-                cells.at(i)->setMinimumWidth(ui.px(kFreeMin));
+            QSizePolicy policy = cell->sizePolicy();
+            if (w > 0) {
+                // A box layout gives an ignored-size item no room of its own, so fixed columns say so.
+                cell->setFixedWidth(ui.px(w));
+                policy.setHorizontalPolicy(QSizePolicy::Fixed);
+            } else {
+                cell->setMinimumWidth(ui.px(kFreeMin));
+                // Long text in the free column is cut rather than widening the grid.
+                if (qobject_cast<QLabel *>(cell))
+                    policy.setHorizontalPolicy(QSizePolicy::Ignored);
+            }
+            cell->setSizePolicy(policy);
         }
     };
     size(m_header, m_header->findChildren<QWidget *>(Qt::FindDirectChildrenOnly));
@@ -196,6 +224,9 @@ ProjectScreen::ProjectScreen(const ScreenContext &ctx, const QString &tail, QWid
 {
     auto *col = new QVBoxLayout(this);
     m_title = new ScreenTitle(m_m, {}, trailing, this);
+    for (QLabel *l : m_title->findChildren<QLabel *>(Qt::FindDirectChildrenOnly))
+        if (l->objectName().isEmpty() && l->pixmap().isNull())
+            m_subtitle = l;
     col->addWidget(m_title);
     m_stack = new QStackedLayout;
     col->addLayout(m_stack, 1);
@@ -227,6 +258,9 @@ bool ProjectScreen::bodyShown() const
 std::optional<Rec> ProjectScreen::syncProject()
 {
     const std::optional<Rec> project = m_nav.project(m_db);
+    // Printing and the screen's own actions need a project.
+    if (m_trailing)
+        m_trailing->setVisible(project.has_value());
     if (project) {
         m_title->setSubtitle(project->f.value(u"name") + m_tail);
         if (m_picker) {
@@ -258,6 +292,9 @@ void ProjectScreen::restyle()
     layout()->setContentsMargins(ui.px(24), ui.px(18), ui.px(24), ui.px(18));
     layout()->setSpacing(ui.px(14));
     m_body->setSpacing(ui.px(14));
+    // At large zooms the project's name and the explanation wrap rather than widen the window.
+    if (m_subtitle)
+        m_subtitle->setWordWrap(ui.zoom() > 1.25);
 }
 
 void registerMoneyScreens()

@@ -123,6 +123,7 @@ private:
     QString m_tail;
     QWidget *m_trailing;
     ScreenTitle *m_title;
+    QLabel *m_subtitle = nullptr;
     QStackedLayout *m_stack;
     QScrollArea *m_scroll;
     QWidget *m_pickHolder;
