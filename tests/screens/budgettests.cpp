@@ -3,6 +3,7 @@
 #include "testmain.h"
 
 #include "catalog/modules.h"
+#include "documents/printsource.h"
 #include "look/buttons.h"
 #include "screens/budgetscreen.h"
 #include "screens/jobcostscreen.h"
@@ -246,6 +247,24 @@ private Q_SLOTS:
         const Calc::CostRow row{budget, 0, actual};
         QCOMPARE(JobCostScreen::spentPercent(row), pct);
         QCOMPARE(JobCostScreen::spentFraction(row), fraction);
+    }
+
+    void printJobs()
+    {
+        Shop s;
+        s.line(s.concrete, 50000);
+        const PrintJob budget = BudgetScreen::printJob(s.db, s.project.id);
+        QCOMPARE(budget.title, u"Budget Harbor Lofts"_s);
+        const std::optional<PrintSource> b = budget.make();
+        QVERIFY(b);
+        QVERIFY(b->html.contains(u"Project Budget"_s));
+        QVERIFY(b->html.contains(u"$500.00"_s));
+        const PrintJob cost = JobCostScreen::printJob(s.db, s.project.id);
+        QCOMPARE(cost.title, u"Job Cost Report — Budget vs Actual"_s);
+        QVERIFY(cost.make()->html.contains(u"% spent"_s));
+        // A project deleted since leaves nothing to print.
+        s.db.remove(s.project.id);
+        QVERIFY(!budget.make());
     }
 
     void emptyProjectHasZeroTotal()
