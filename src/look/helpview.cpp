@@ -29,7 +29,8 @@ FWHelpView::FWHelpView(QList<HelpPage> pages, QWidget *parent)
 
     auto *side = new QWidget(this);
     auto *sideCol = new QVBoxLayout(side);
-    sideCol->setContentsMargins(0, 0, 0, 0);
+    sideCol->setContentsMargins(8, 8, 0, 8);
+    sideCol->setSpacing(8);
     sideCol->addWidget(m_search);
     sideCol->addWidget(m_list, 1);
     auto *split = new QSplitter(this);
@@ -154,6 +155,19 @@ void FWHelpView::restyle()
                           u"; border: none; } QListWidget::item { padding: "_s + pad +
                           u"px; } QListWidget::item:selected { background: "_s + t.raised.name() +
                           u"; color: "_s + t.accent2.name() + u"; }"_s);
+    // Thin scroll bars of the finish instead of the platform's grey ones.
+    QColor handle = t.metalMid;
+    handle.setAlphaF(0.5);
+    const QString bars =
+        QString(u" QScrollBar:vertical { width: %1px; background: transparent; margin: 0; }"
+                u" QScrollBar::handle:vertical { background: %2; border-radius: %3px; min-height: 24px; }"
+                u" QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                u" QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }"_s)
+            .arg(ui.px(6))
+            .arg(handle.name(QColor::HexArgb))
+            .arg(ui.px(3));
+    m_list->verticalScrollBar()->setStyleSheet(bars);
+    m_reader->verticalScrollBar()->setStyleSheet(bars);
     m_reader->setFont(ui.font(13.5));
     m_reader->setStyleSheet(u"QTextBrowser { background: "_s + t.base.name() + u"; color: "_s +
                             t.text.name() + u"; border: none; padding: "_s + QString::number(ui.px(14)) +

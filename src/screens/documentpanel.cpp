@@ -8,6 +8,7 @@
 #include "look/alert.h"
 #include "look/buttons.h"
 #include "look/fwui.h"
+#include "shell/fieldeditors.h"
 #include "shell/moduleextras.h"
 #include "store/db.h"
 
@@ -19,8 +20,10 @@
 #include <QtGui/QTextDocument>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLayout>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -28,6 +31,70 @@ namespace {
 // Long enough to gather a burst of typing into one write, short enough that a
 // print started right after typing reads the new text.
 constexpr int kSaveDelayMs = 250;
+
+// Lays its items out left to right and wraps to a new row when the width runs
+// out, so the toolbar never makes the editor wider than its column.
+class FlowLayout : public QLayout
+{
+public:
+    explicit FlowLayout(QWidget *parent)
+        : QLayout(parent)
+    {
+        setContentsMargins(0, 0, 0, 0);
+    }
+    ~FlowLayout() override
+    {
+        while (QLayoutItem *item = takeAt(0))
+            delete item;
+    }
+    void addItem(QLayoutItem *item) override { m_items.append(item); }
+    int count() const override { return int(m_items.size()); }
+    QLayoutItem *itemAt(int i) const override { return m_items.value(i); }
+    QLayoutItem *takeAt(int i) override { return i >= 0 && i < m_items.size() ? m_items.takeAt(i) : nullptr; }
+    Qt::Orientations expandingDirections() const override { return {}; }
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override { return place(QRect(0, 0, width, 0), false); }
+    void setGeometry(const QRect &rect) override
+    {
+        QLayout::setGeometry(rect);
+        place(rect, true);
+    }
+    QSize sizeHint() const override { return minimumSize(); }
+    QSize minimumSize() const override
+    {
+        QSize size;
+        for (const QLayoutItem *item : m_items)
+            size = size.expandedTo(item->minimumSize());
+        return size;
+    }
+
+private:
+    // Places the items in `rect` (or only measures); the height used.
+    int place(const QRect &rect, bool apply) const
+    {
+        const int gap = spacing() >= 0 ? spacing() : 4;
+        int x = rect.x();
+        int y = rect.y();
+        int rowHeight = 0;
+        for (QLayoutItem *item : m_items) {
+            if (item->isEmpty())
+                continue;
+            const QSize hint = item->sizeHint();
+            if (x > rect.x() && x + hint.width() > rect.right() + 1) {
+                x = rect.x();
+                y += rowHeight + gap;
+                rowHeight = 0;
+            }
+            if (apply)
+                item->setGeometry(QRect(QPoint(x, y), hint));
+            x += hint.width() + gap;
+            rowHeight = qMax(rowHeight, hint.height());
+        }
+        return y + rowHeight - rect.y();
+    }
+
+    QList<QLayoutItem *> m_items;
+};
 
 // A file name made safe from the title, for the save dialogs.
 QString fileStem(const QString &title)
@@ -133,8 +200,7 @@ void DocumentPanel::buildToolbar()
         {u"Fonts"_s, u"Fonts…"_s, u"Fonts: choose the typeface, style and size of the selected text"_s,
          [c] { c->chooseFont(); }},
     };
-    auto *row = new QHBoxLayout(m_toolbar);
-    row->setContentsMargins(0, 0, 0, 0);
+    auto *row = new FlowLayout(m_toolbar);
     row->setSpacing(FWUI::shared().px(4));
     for (const Tool &t : tools) {
         auto *b = new FWChromeButton(t.label, {}, m_toolbar);
@@ -151,7 +217,6 @@ void DocumentPanel::buildToolbar()
         m_tools.append(b);
         row->addWidget(b);
     }
-    row->addStretch(1);
     for (const DocTemplates::Template &t : DocTemplates::all()) {
         const QString key = t.key;
         m_templates->addAction(t.name, this, [this, key] { chooseTemplate(key); });
@@ -162,12 +227,12 @@ void DocumentPanel::buildToolbar()
         u"request, RFI or transmittal"_s);
     connect(m_template, &QAbstractButton::clicked, this,
             [this] { m_templates->popup(m_template->mapToGlobal(QPoint(0, m_template->height()))); });
-    row->addWidget(m_template);
 }
 
 void DocumentPanel::buildButtons()
 {
-    auto *row = new QHBoxLayout;
+    auto *buttons = new QWidget(this);
+    auto *row = new FlowLayout(buttons);
     row->setSpacing(FWUI::shared().px(6));
     m_pdf->setObjectName(u"exportPDF"_s);
     m_pdf->setToolTip(u"Save this document as a PDF file"_s);
@@ -181,11 +246,12 @@ void DocumentPanel::buildButtons()
     connect(m_word, &QAbstractButton::clicked, this, [this] { exportAs(true); });
     connect(m_attach, &QAbstractButton::clicked, this, &DocumentPanel::askAttach);
     connect(m_open, &QAbstractButton::clicked, this, &DocumentPanel::openAttached);
-    for (QWidget *w : {static_cast<QWidget *>(m_pdf), static_cast<QWidget *>(m_word),
-                       static_cast<QWidget *>(m_attach), static_cast<QWidget *>(m_open)})
+    for (QWidget *w :
+         {static_cast<QWidget *>(m_template), static_cast<QWidget *>(m_pdf), static_cast<QWidget *>(m_word),
+          static_cast<QWidget *>(m_attach), static_cast<QWidget *>(m_open)})
         row->addWidget(w);
-    row->addStretch(1);
-    static_cast<QBoxLayout *>(layout())->addLayout(row);
+    // The record's buttons stand between the toolbar and the text, in sight without scrolling.
+    static_cast<QBoxLayout *>(layout())->insertWidget(1, buttons);
 }
 
 void DocumentPanel::restyle()
@@ -198,6 +264,7 @@ void DocumentPanel::restyle()
                           u"px; selection-background-color: "_s + t.accent.name() + u"; padding: "_s +
                           QString::number(ui.px(10)) + u"px; }"_s);
     m_view->setMinimumHeight(ui.px(420));
+    FieldLook::thinScrollBar(m_view->verticalScrollBar());
 }
 
 void DocumentPanel::load()

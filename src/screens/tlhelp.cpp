@@ -53,7 +53,7 @@ QString fieldHelp(const FD &fd)
     case FT::ref: return u"Choose from your "_s + plural(fd.type.target) + u'.';
     case FT::number: return u"A number, e.g. 12 or 2.5."_s;
     case FT::boolean: return u"A switch: on or off."_s;
-    case FT::longText: return u"Any length of text; the box grows as you write."_s;
+    case FT::longText: return u"Any length of text, over as many lines as you need."_s;
     case FT::text: break;
     }
     return u"Free text."_s;

@@ -45,8 +45,8 @@ QHash<QString, QList<HelpBlock>> build()
             B::makeControl(u"Export PDF"_s, u"Saves the document as a PDF, named after its title."_s),
             B::makeControl(u"Export Word (.docx)"_s, u"Saves a Word file that Word and LibreOffice open, "
                                                      u"for a client or lawyer who wants to edit it."_s),
-            B::makeControl(u"Attach File…"_s,
-                           u"Attach File… stores any file (contract, permit, photo) with the document."_s),
+            B::makeText(u"Attach File… stores any file (contract, permit, photo) with the document. Once a "
+                        u"file is attached, Open shows it in its own program and Replace File… swaps it."_s),
             B::makeTip(u"Templates are starting points, not legal advice: have contracts reviewed by an "
                        u"attorney licensed in your state."_s),
         });

@@ -31,12 +31,13 @@ HelpPage quickstart()
                 u"The bar at the top chooses the company, the project and the user. The project you "
                 u"choose there is what every per-project screen shows."_s,
                 u"The rail on the left lists the screens, grouped; it shows only those your role may open."_s,
-                u"Most screens are a list with a search box on the left and the chosen record's editor on "
-                u"the right. New makes a record at once; you then fill it in place."_s,
+                u"Most screens are a list of records with the chosen record's editor beside it. The search "
+                u"box above narrows the list; New makes a record at once, and you fill it in place."_s,
             }),
             B::makeHeading(u"Start a job"_s),
             B::makeSteps({
-                u"File ▸ New Project… (Ctrl+N): name the project and give its address and client."_s,
+                u"File ▸ New Project… (Ctrl+N): give the project a name, its type and the original contract. "
+                u"Fill in its address and client afterwards under Projects."_s,
                 u"Add the client and your subcontractors under Contacts."_s,
                 u"Write an Estimate: add line items with cost codes, quantities and unit costs, then set "
                 u"markup and tax. Proposal PDF prints the proposal for the client."_s,
@@ -68,8 +69,9 @@ HelpPage quickstart()
 HelpPage keys()
 {
     QList<HelpBlock> blocks{
-        B::makeText(u"On this computer the Ctrl key does what Command does on a Mac. The menus show every "
-                    u"shortcut beside its item."_s),
+        B::makeText(u"The menus show every shortcut beside its item. In the text of a document and in the "
+                    u"fields, the usual editing keys work: Ctrl+C, Ctrl+X and Ctrl+V to copy, cut and paste, "
+                    u"and Ctrl+Z to undo typing."_s),
         B::makeHeading(u"File"_s),
         B::makeKey(u"Ctrl+N"_s, u"New Project…"_s),
         B::makeKey(u"Ctrl+B"_s, u"Back Up Everything…"_s),
@@ -122,7 +124,7 @@ HelpPage companies()
             B::makeControl(u"Project Manager, Accounting"_s, u"Every screen but Team & Roles."_s),
             B::makeControl(u"Field"_s, u"Every screen that shows no money: logs, timecards, punch, safety, "
                                        u"schedule, plans and the like."_s),
-            B::makeControl(u"Subcontractor"_s, u"Only their own paperwork: "_s + subs.join(u", "_s) + u'.'),
+            B::makeControl(u"Subcontractor"_s, u"Only these screens: "_s + subs.join(u", "_s) + u'.'),
             B::makeText(
                 u"The rail leaves out what a role may not open. Reaching such a screen another way "
                 u"(a shortcut or a link on the hub) shows \"Not available for your role\" instead."_s),
