@@ -5,8 +5,14 @@
 #include "catalog/modules.h"
 #include "look/helpview.h"
 #include "screens/about.h"
+#include "screens/screens.h"
 #include "screens/tlhelp.h"
+#include "shell/nav.h"
 #include "shell/tlapp.h"
+#include "shell/tlwindow.h"
+#include "store/db.h"
+
+#include <QtWidgets/QMenuBar>
 
 #include <QtWidgets/QLabel>
 
@@ -241,6 +247,32 @@ private Q_SLOTS:
         QVERIFY(view.shownId().isEmpty());
         view.setSearch(u"  "_s);
         QCOMPARE(view.listedIds().size(), FWHelp::pages().size());
+    }
+
+    // Registering the screens puts the guide behind the Help menu and adds About Trestle to it.
+    void helpMenuOpensGuideAndAbout()
+    {
+        Screens::registerAll();
+        TLApp::helpPagesHook()();
+        DB db;
+        Nav nav;
+        TLWindow window(db, nav);
+        QAction *help = nullptr;
+        QAction *about = nullptr;
+        for (QAction *menu : window.menuBar()->actions())
+            if (menu->menu())
+                for (QAction *a : menu->menu()->actions()) {
+                    if (a->text() == u"Fenwright Trestle Help")
+                        help = a;
+                    if (a->text() == u"About Trestle")
+                        about = a;
+                }
+        QVERIFY(help && about);
+        help->trigger();
+        FWHelpView *view = window.findChild<FWHelpView *>();
+        QVERIFY(view && view->isVisible());
+        QVERIFY(view->listedIds().contains(u"look"_s));
+        view->close();
     }
 
     // The About window names the licence, the version and every library.
