@@ -124,6 +124,8 @@ DocumentPanel::DocumentPanel(DB &db, const QString &recordId, QWidget *parent)
     m_save.setInterval(kSaveDelayMs);
     connect(&m_save, &QTimer::timeout, this, &DocumentPanel::flush);
     connect(m_view, &RichTextView::textDidChange, this, &DocumentPanel::changed);
+    connect(m_view, &RichTextView::traitKey, this,
+            [this](int trait) { m_controller->toggleTrait(RichTextController::Trait(trait)); });
     // A quit never waits for the timer.
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, &DocumentPanel::flush);
     m_view->installEventFilter(this);
@@ -175,11 +177,11 @@ void DocumentPanel::buildToolbar()
         std::function<void()> action;
     };
     const QList<Tool> tools{
-        {u"Bold"_s, u"B"_s, u"Bold: turns bold on or off for the selected text"_s,
+        {u"Bold"_s, u"B"_s, u"Bold: turns bold on or off for the selected text (Ctrl+B)"_s,
          [c] { c->toggleTrait(RichTextController::Bold); }},
-        {u"Italic"_s, u"I"_s, u"Italic: turns italic on or off for the selected text"_s,
+        {u"Italic"_s, u"I"_s, u"Italic: turns italic on or off for the selected text (Ctrl+I)"_s,
          [c] { c->toggleTrait(RichTextController::Italic); }},
-        {u"Underline"_s, u"U"_s, u"Underline: turns underlining on or off for the selected text"_s,
+        {u"Underline"_s, u"U"_s, u"Underline: turns underlining on or off for the selected text (Ctrl+U)"_s,
          [c] { c->toggleTrait(RichTextController::Underline); }},
         {u"Heading 1"_s, u"H1"_s, u"Heading 1: makes the selected paragraphs a large bold heading"_s,
          [c] { c->heading(RichTextController::kHeading1, 1); }},

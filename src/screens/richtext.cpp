@@ -5,6 +5,7 @@
 #include <QtCore/QUrl>
 #include <QtGui/QFontDatabase>
 #include <QtGui/QImageReader>
+#include <QtGui/QKeyEvent>
 #include <QtGui/QTextBlock>
 #include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
@@ -64,6 +65,42 @@ void RichTextView::insertImage(const QImage &image)
     format.setWidth(width);
     format.setHeight(height);
     textCursor().insertImage(format);
+}
+
+namespace {
+// The trait of a formatting key, or -1.
+int traitOf(const QKeyEvent *e)
+{
+    if (e->modifiers() != Qt::ControlModifier)
+        return -1;
+    switch (e->key()) {
+    case Qt::Key_B: return 0;
+    case Qt::Key_I: return 1;
+    case Qt::Key_U: return 2;
+    default: return -1;
+    }
+}
+} // namespace
+
+bool RichTextView::event(QEvent *e)
+{
+    // In the text these keys format, ahead of the window's own shortcuts (Ctrl+B backs up).
+    if (e->type() == QEvent::ShortcutOverride && traitOf(static_cast<QKeyEvent *>(e)) >= 0) {
+        e->accept();
+        return true;
+    }
+    return QTextEdit::event(e);
+}
+
+void RichTextView::keyPressEvent(QKeyEvent *e)
+{
+    const int trait = traitOf(e);
+    if (trait >= 0) {
+        Q_EMIT traitKey(trait);
+        e->accept();
+        return;
+    }
+    QTextEdit::keyPressEvent(e);
 }
 
 bool RichTextView::canInsertFromMimeData(const QMimeData *source) const

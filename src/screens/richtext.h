@@ -17,8 +17,12 @@ public:
 Q_SIGNALS:
     // The text or its formatting changed through the editor.
     void textDidChange();
+    // Ctrl+B, Ctrl+I or Ctrl+U was pressed in the text: 0 bold, 1 italic, 2 underline.
+    void traitKey(int trait);
 
 protected:
+    bool event(QEvent *e) override;
+    void keyPressEvent(QKeyEvent *e) override;
     bool canInsertFromMimeData(const QMimeData *source) const override;
     void insertFromMimeData(const QMimeData *source) override;
 

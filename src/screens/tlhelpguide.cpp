@@ -74,7 +74,7 @@ HelpPage keys()
                     u"and Ctrl+Z to undo typing."_s),
         B::makeHeading(u"File"_s),
         B::makeKey(u"Ctrl+N"_s, u"New Project…"_s),
-        B::makeKey(u"Ctrl+B"_s, u"Back Up Everything…"_s),
+        B::makeKey(u"Ctrl+B"_s, u"Back Up Everything… (in the text of a document it makes bold instead)"_s),
         B::makeKey(u"Ctrl+Shift+P"_s, u"Page Setup… (paper and orientation, kept until you quit)"_s),
         B::makeKey(u"Ctrl+P"_s,
                    u"Print… what the screen in front shows; the print dialog also saves as PDF"_s),
@@ -92,6 +92,9 @@ HelpPage keys()
         u"may not open shows why instead."_s);
     blocks << B::makeHeading(u"View"_s) << B::makeKey(u"Ctrl+="_s, u"Zoom In"_s)
            << B::makeKey(u"Ctrl+−"_s, u"Zoom Out"_s) << B::makeKey(u"Ctrl+0"_s, u"Actual Size (100%)"_s);
+    blocks << B::makeHeading(u"In a document"_s) << B::makeKey(u"Ctrl+B"_s, u"Bold on or off"_s)
+           << B::makeKey(u"Ctrl+I"_s, u"Italic on or off"_s)
+           << B::makeKey(u"Ctrl+U"_s, u"Underline on or off"_s);
     blocks << B::makeHeading(u"Help"_s) << B::makeKey(u"F1"_s, u"Opens this guide."_s);
     return {u"keys"_s, u"Keyboard Shortcuts"_s, u"keyboard"_s, blocks};
 }

@@ -16,6 +16,7 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QMimeData>
 #include <QtCore/QStandardPaths>
+#include <QtGui/QKeyEvent>
 #include <QtGui/QTextBlock>
 #include <QtGui/QTextDocument>
 #include <QtGui/QTextList>
@@ -196,6 +197,34 @@ private Q_SLOTS:
         QCOMPARE(formatOf(doc, u"alpha"_s).fontPointSize(), RichTextController::kNormal);
         QVERIFY(formatOf(doc, u"alpha"_s).fontWeight() < QFont::DemiBold);
         QCOMPARE(doc.begin().blockFormat().headingLevel(), 0);
+    }
+
+    // The formatting keys work in the text and reach the body file.
+    void formattingKeys_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("trait");
+        QTest::newRow("Ctrl+B") << int(Qt::Key_B) << int(RichTextController::Bold);
+        QTest::newRow("Ctrl+I") << int(Qt::Key_I) << int(RichTextController::Italic);
+        QTest::newRow("Ctrl+U") << int(Qt::Key_U) << int(RichTextController::Underline);
+    }
+    void formattingKeys()
+    {
+        QFETCH(int, key);
+        QFETCH(int, trait);
+        Shop shop;
+        DocumentPanel panel(shop.db, shop.doc.id);
+        panel.view()->setPlainText(u"alpha beta"_s);
+        select(panel, u"beta"_s);
+        QKeyEvent override(QEvent::ShortcutOverride, key, Qt::ControlModifier);
+        override.ignore(); // as the shortcut map sends it
+        QCoreApplication::sendEvent(panel.view(), &override);
+        QVERIFY(override.isAccepted()); // ahead of the window's Ctrl+B
+        QTest::keyClick(panel.view(), Qt::Key(key), Qt::ControlModifier);
+        QVERIFY(panel.controller()->hasTrait(RichTextController::Trait(trait)));
+        QVERIFY(panel.view()->document()->toPlainText() == u"alpha beta"_s); // nothing typed
+        QTest::keyClick(panel.view(), Qt::Key(key), Qt::ControlModifier);
+        QVERIFY(!panel.controller()->hasTrait(RichTextController::Trait(trait)));
     }
 
     // A pasted picture is taken in by the editor, not refused or pasted as a file name.
