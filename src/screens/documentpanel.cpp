@@ -12,11 +12,16 @@
 #include "shell/moduleextras.h"
 #include "store/db.h"
 
+#include <QtCore/QBuffer>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QUrl>
 #include <QtGui/QDesktopServices>
+#include <QtGui/QImageReader>
+#include <QtGui/QTextBlock>
+#include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QFileDialog>
@@ -279,6 +284,7 @@ void DocumentPanel::load()
     const QPointer<QTextDocument> old = m_view->document();
     doc->setParent(this);
     doc->setDefaultFont(QFont(doc->defaultFont().family(), int(RichTextController::kNormal)));
+    rememberEmbedded();
     m_loading = true;
     m_view->setDocument(doc.release());
     m_loading = false;
@@ -304,7 +310,73 @@ void DocumentPanel::flush()
     // The record may have been deleted meanwhile: its body must not come back.
     if (!m_db.find(m_id))
         return;
-    DocStore::write(m_path, *m_view->document());
+    // Each picture goes into the file as the data URL made when it first came
+    // in, so a keystroke never costs a fresh encoding of every photo.
+    const QTextDocument &live = *m_view->document();
+    std::unique_ptr<QTextDocument> copy(live.clone());
+    QList<QPair<int, QTextImageFormat>> pictures;
+    for (QTextBlock block = copy->begin(); block.isValid(); block = block.next())
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment frag = it.fragment();
+            if (!frag.charFormat().isImageFormat())
+                continue;
+            QTextImageFormat format = frag.charFormat().toImageFormat();
+            const QString url = dataUrl(live, format.name());
+            if (url.isEmpty())
+                continue;
+            format.setName(url);
+            pictures.append({frag.position(), format});
+        }
+    for (const auto &[pos, format] : pictures) {
+        QTextCursor cursor(copy.get());
+        cursor.setPosition(pos);
+        cursor.setPosition(pos + 1, QTextCursor::KeepAnchor);
+        cursor.setCharFormat(format);
+    }
+    DocStore::write(m_path, *copy);
+}
+
+QString DocumentPanel::dataUrl(const QTextDocument &doc, const QString &name)
+{
+    if (name.isEmpty() || name.startsWith(u"data:"_s))
+        return {};
+    const QImage image = doc.resource(QTextDocument::ImageResource, QUrl(name)).value<QImage>();
+    if (image.isNull())
+        return {};
+    auto cached = m_dataUrls.constFind(name);
+    if (cached != m_dataUrls.cend() && cached->second == image.size())
+        return cached->first;
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    const QString url = u"data:image/png;base64,"_s + QString::fromLatin1(png.toBase64());
+    m_dataUrls.insert(name, {url, image.size()});
+    return url;
+}
+
+void DocumentPanel::rememberEmbedded()
+{
+    // The reader names the file's pictures "trestle-embedded:1", ":2"... in file
+    // order; their data URLs are kept as they stand. A picture whose size does
+    // not match is encoded afresh at the next write, so a stale guess costs time only.
+    m_dataUrls.clear();
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly))
+        return;
+    static const QRegularExpression data(u"src=\"(data:image/[a-zA-Z0-9.+-]+;base64,[A-Za-z0-9+/=\\s]*)\""_s);
+    const QString html = QString::fromUtf8(file.readAll());
+    int n = 0;
+    for (auto it = data.globalMatch(html); it.hasNext();) {
+        const QString url = it.next().captured(1);
+        const QString name = u"trestle-embedded:"_s + QString::number(++n);
+        QByteArray bytes = QByteArray::fromBase64(url.mid(url.indexOf(u',') + 1).toLatin1());
+        QBuffer buffer(&bytes);
+        QImageReader reader(&buffer);
+        const QSize size = reader.size();
+        if (size.isValid())
+            m_dataUrls.insert(name, {url, size});
+    }
 }
 
 void DocumentPanel::showRecord(const QString &recordId)

@@ -1,7 +1,9 @@
 #pragma once
 #include "shell/refreshable.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QPointer>
+#include <QtCore/QSize>
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
 
@@ -11,6 +13,7 @@ class DB;
 class FWChromeButton;
 class QLabel;
 class QMenu;
+class QTextDocument;
 class RichTextController;
 class RichTextView;
 
@@ -65,6 +68,10 @@ private:
     void exportAs(bool word);
     void askAttach();
     void openAttached();
+    // The picture `name` of `doc` as a PNG data URL, encoded once and then kept; empty for none.
+    QString dataUrl(const QTextDocument &doc, const QString &name);
+    // Keeps the data URLs of the pictures in the body file just read.
+    void rememberEmbedded();
 
     DB &m_db;
     QString m_id;
@@ -82,4 +89,6 @@ private:
     FWChromeButton *m_attach;
     FWChromeButton *m_open;
     QList<FWChromeButton *> m_tools;
+    // Picture name → its data URL and the size it was made from.
+    QHash<QString, std::pair<QString, QSize>> m_dataUrls;
 };

@@ -44,10 +44,17 @@ RichTextView::RichTextView(QWidget *parent)
     connect(this, &QTextEdit::textChanged, this, &RichTextView::textDidChange);
 }
 
-void RichTextView::insertImage(const QImage &image)
+void RichTextView::insertImage(const QImage &original)
 {
-    if (image.isNull())
+    if (original.isNull())
         return;
+    // A camera photo is far sharper than any page needs, and the body file
+    // re-encodes every picture on each write: keep pictures at print size.
+    constexpr int kLongestSide = 2000;
+    const QImage image =
+        qMax(original.width(), original.height()) > kLongestSide
+            ? original.scaled(kLongestSide, kLongestSide, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+            : original;
     // A name of its own per picture; the body file embeds the picture itself.
     const QString name = u"trestle-pasted:"_s + QString::number(++m_pictures) + u'-' +
                          QString::number(qint64(image.cacheKey()));

@@ -11,7 +11,8 @@ class RichTextView : public QTextEdit
     Q_OBJECT
 public:
     explicit RichTextView(QWidget *parent = nullptr);
-    // Puts `image` at the caret, scaled down to the text width when wider.
+    // Puts `image` at the caret, shown no wider than the text and kept at most
+    // 2000 pixels on its longer side.
     void insertImage(const QImage &image);
 
 Q_SIGNALS:

@@ -248,6 +248,42 @@ private Q_SLOTS:
         QVERIFY(DocStore::read(shop.path(shop.doc))->toHtml().contains(u"<img"_s));
     }
 
+    // Pictures keep their own places through several loads and writes, where the
+    // panel reuses their encoded form instead of encoding them again.
+    void picturesSurviveRewrites()
+    {
+        Shop shop;
+        auto sizes = [](const QTextDocument &doc) {
+            QList<QSize> out;
+            for (QTextBlock b = doc.begin(); b.isValid(); b = b.next())
+                for (auto it = b.begin(); !it.atEnd(); ++it)
+                    if (it.fragment().charFormat().isImageFormat())
+                        out << doc.resource(QTextDocument::ImageResource,
+                                            QUrl(it.fragment().charFormat().toImageFormat().name()))
+                                   .value<QImage>()
+                                   .size();
+            return out;
+        };
+        const QList<QSize> expected{QSize(30, 20), QSize(70, 10), QSize(30, 20)};
+        {
+            DocumentPanel panel(shop.db, shop.doc.id);
+            for (const QSize &size : expected) {
+                QImage pic(size, QImage::Format_RGB32);
+                pic.fill(size.width() == 30 ? Qt::blue : Qt::yellow);
+                panel.view()->insertImage(pic);
+                panel.view()->insertPlainText(u" text "_s);
+            }
+        }
+        for (int round = 0; round < 2; ++round) {
+            DocumentPanel panel(shop.db, shop.doc.id);
+            QCOMPARE(sizes(*panel.view()->document()), expected);
+            panel.view()->moveCursor(QTextCursor::End);
+            type(panel, u"more"_s);
+        }
+        QCOMPARE(sizes(*DocStore::read(shop.path(shop.doc))), expected);
+        QVERIFY(shop.bodyText(shop.doc).endsWith(u"moremore"_s));
+    }
+
     // Typing reaches the file even when the panel goes before its timer fires.
     void typingIsNeverLost_data()
     {
