@@ -1,5 +1,6 @@
 #include "documentpanel.h"
 
+#include "documentpanelflow.h"
 #include "richtext.h"
 
 #include "documents/docstore.h"
@@ -36,70 +37,6 @@ namespace {
 // Long enough to gather a burst of typing into one write, short enough that a
 // print started right after typing reads the new text.
 constexpr int kSaveDelayMs = 250;
-
-// Lays its items out left to right and wraps to a new row when the width runs
-// out, so the toolbar never makes the editor wider than its column.
-class FlowLayout : public QLayout
-{
-public:
-    explicit FlowLayout(QWidget *parent)
-        : QLayout(parent)
-    {
-        setContentsMargins(0, 0, 0, 0);
-    }
-    ~FlowLayout() override
-    {
-        while (QLayoutItem *item = takeAt(0))
-            delete item;
-    }
-    void addItem(QLayoutItem *item) override { m_items.append(item); }
-    int count() const override { return int(m_items.size()); }
-    QLayoutItem *itemAt(int i) const override { return m_items.value(i); }
-    QLayoutItem *takeAt(int i) override { return i >= 0 && i < m_items.size() ? m_items.takeAt(i) : nullptr; }
-    Qt::Orientations expandingDirections() const override { return {}; }
-    bool hasHeightForWidth() const override { return true; }
-    int heightForWidth(int width) const override { return place(QRect(0, 0, width, 0), false); }
-    void setGeometry(const QRect &rect) override
-    {
-        QLayout::setGeometry(rect);
-        place(rect, true);
-    }
-    QSize sizeHint() const override { return minimumSize(); }
-    QSize minimumSize() const override
-    {
-        QSize size;
-        for (const QLayoutItem *item : m_items)
-            size = size.expandedTo(item->minimumSize());
-        return size;
-    }
-
-private:
-    // Places the items in `rect` (or only measures); the height used.
-    int place(const QRect &rect, bool apply) const
-    {
-        const int gap = spacing() >= 0 ? spacing() : 4;
-        int x = rect.x();
-        int y = rect.y();
-        int rowHeight = 0;
-        for (QLayoutItem *item : m_items) {
-            if (item->isEmpty())
-                continue;
-            const QSize hint = item->sizeHint();
-            if (x > rect.x() && x + hint.width() > rect.right() + 1) {
-                x = rect.x();
-                y += rowHeight + gap;
-                rowHeight = 0;
-            }
-            if (apply)
-                item->setGeometry(QRect(QPoint(x, y), hint));
-            x += hint.width() + gap;
-            rowHeight = qMax(rowHeight, hint.height());
-        }
-        return y + rowHeight - rect.y();
-    }
-
-    QList<QLayoutItem *> m_items;
-};
 
 // A file name made safe from the title, for the save dialogs.
 QString fileStem(const QString &title)

@@ -5,6 +5,7 @@
 #include "calc/datefmt.h"
 #include "catalog/modules.h"
 #include "documents/docstore.h"
+#include "documents/pdfcheck.h"
 #include "look/buttons.h"
 #include "screens/documentpanel.h"
 #include "screens/richtext.h"
@@ -456,6 +457,23 @@ private Q_SLOTS:
         Nav nav;
         RecordEditor editor(shop.db, nav, *Modules::get(u"documents"), shop.doc.id);
         QVERIFY(editor.findChild<DocumentPanel *>());
+    }
+
+    // The PDF export holds the text as it stands, typing included.
+    void pdfHoldsTheText()
+    {
+        Shop shop;
+        DocumentPanel panel(shop.db, shop.doc.id);
+        panel.chooseTemplate(u"ntp"_s);
+        panel.view()->moveCursor(QTextCursor::End);
+        type(panel, u" Acknowledged"_s);
+        QTemporaryDir dir;
+        const QString pdf = dir.filePath(u"ntp.pdf"_s);
+        QVERIFY(panel.exportPDF(pdf));
+        const QStringList words = PdfCheck::pageWords(pdf).value(0);
+        QVERIFY(words.contains(u"Notice"_s));
+        QVERIFY(words.contains(u"Acknowledged"_s));
+        QVERIFY(!panel.hasPendingWrite()); // the export wrote the body too
     }
 
     // The Word file opens in LibreOffice with the same text.
