@@ -76,12 +76,14 @@ QList<HelpPage> pages(const QString &app)
                         u"people who run trades businesses. Our programs keep your data on your own "
                         u"computer: no account, no subscription server, no internet connection needed."_s),
             B::makeText(u"It is free software under the GNU General Public License, version 3 or later: "
-                        u"you may use it, study it, share it and change it. Help ▸ About shows the version "
+                        u"you may use it, study it, share it and change it. The About item of the Help menu "
+                        u"shows the version "
                         u"and the libraries it is built on."_s),
             B::makeHeading(u"Getting in touch"_s),
             B::makeText(u"News, updates and a place to report problems: "_s +
                         PDFOut::kMakerAddress.toString() +
-                        u". When you report a problem, say which version you run (Help ▸ About) and what you "
+                        u". When you report a problem, say which version you run (see the About item of the "
+                        u"Help menu) and what you "
                         u"did just before it happened."_s),
         }};
     return {look, about};
