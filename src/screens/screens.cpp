@@ -1,14 +1,30 @@
 #include "screens.h"
 
+#include "about.h"
+#include "documentpanel.h"
 #include "moneygrid.h"
+#include "tlhelp.h"
+
+#include "shell/menus.h"
 #include "shell/recordscreen.h"
 
 namespace Screens {
+
+namespace {
+// The guide, the About window and the document editor, which the shell reaches through its hooks.
+void registerHelpAndDocuments()
+{
+    TLHelp::install();
+    Menus::aboutHook() = [](QWidget *parent) { AboutWindow::showOver(parent); };
+    DocumentPanel::registerExtras();
+}
+} // namespace
 
 void registerAll()
 {
     RecordScreen::registerGeneric();
     registerMoneyScreens();
+    registerHelpAndDocuments();
 }
 
 } // namespace Screens
