@@ -1,5 +1,7 @@
 #include "screens.h"
 
+#include "hubscreens.h"
+
 #include "shell/recordscreen.h"
 
 namespace Screens {
@@ -7,6 +9,7 @@ namespace Screens {
 void registerAll()
 {
     RecordScreen::registerGeneric();
+    registerHubScreens();
 }
 
 } // namespace Screens
