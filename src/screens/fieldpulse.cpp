@@ -10,6 +10,7 @@
 #include <QtWidgets/QBoxLayout>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -98,7 +99,17 @@ FieldPulse::FieldPulse(const DB &db, bool counters, QWidget *parent)
 
 void FieldPulse::refresh(const std::optional<QSet<QString>> &projects)
 {
-    auto listed = [&projects](const Rec &r) { return !projects || projects->contains(r.project); };
+    // Each project's records through the store's index when the projects are given;
+    // no order is needed for counting, and the logs are ordered here.
+    auto each = [this, &projects](const QString &kind, const std::function<void(const Rec &)> &fn) {
+        const auto visit = [&fn](const Rec &r, const DB::ListKey &) { fn(r); };
+        if (!projects) {
+            m_db.visitUnordered(kind, {}, visit);
+            return;
+        }
+        for (const QString &id : *projects)
+            m_db.visitUnordered(kind, {.project = id}, visit);
+    };
 
     // Newest first by the stored date; among one day the later-made log first.
     struct Entry
@@ -108,10 +119,7 @@ void FieldPulse::refresh(const std::optional<QSet<QString>> &projects)
         const Rec *rec;
     };
     std::vector<Entry> logs;
-    m_db.visit(u"daily_log"_s, {}, [&](const Rec &r) {
-        if (listed(r))
-            logs.push_back({r.f.value(u"date"_s), r.created, m_db.find(r.id)});
-    });
+    each(u"daily_log"_s, [&logs](const Rec &r) { logs.push_back({r.f.value(u"date"_s), r.created, &r}); });
     const auto newer = [](const Entry &a, const Entry &b) {
         return a.date != b.date ? a.date > b.date : a.created > b.created;
     };
@@ -119,8 +127,6 @@ void FieldPulse::refresh(const std::optional<QSet<QString>> &projects)
     std::partial_sort(logs.begin(), logs.begin() + std::ptrdiff_t(n), logs.end(), newer);
     QList<QStringList> lines;
     for (size_t i = 0; i < n; ++i) {
-        if (!logs[i].rec)
-            continue;
         const Rec &r = *logs[i].rec;
         const QString crew = r.f.value(u"crew"_s).trimmed();
         lines.append({DateFmt::show(r.f.value(u"date"_s)), r.f.value(u"weather"_s),
@@ -130,12 +136,9 @@ void FieldPulse::refresh(const std::optional<QSet<QString>> &projects)
 
     if (!m_counters.isEmpty()) {
         qsizetype punch = 0, rfis = 0, incidents = 0;
-        m_db.visit(u"punch"_s, {},
-                   [&](const Rec &r) { punch += listed(r) && r.f.value(u"status"_s) != u"Closed"; });
-        m_db.visit(u"rfi"_s, {},
-                   [&](const Rec &r) { rfis += listed(r) && r.f.value(u"status"_s) == u"Open"; });
-        m_db.visit(u"safety"_s, {},
-                   [&](const Rec &r) { incidents += listed(r) && r.f.value(u"type"_s) == u"Incident"; });
+        each(u"punch"_s, [&punch](const Rec &r) { punch += r.f.value(u"status"_s) != u"Closed"; });
+        each(u"rfi"_s, [&rfis](const Rec &r) { rfis += r.f.value(u"status"_s) == u"Open"; });
+        each(u"safety"_s, [&incidents](const Rec &r) { incidents += r.f.value(u"type"_s) == u"Incident"; });
         m_counters[0]->setCount(punch);
         m_counters[1]->setCount(rfis);
         m_counters[2]->setCount(incidents);
