@@ -16,6 +16,8 @@ LookLabel::LookLabel(const QString &text, qreal points, QFont::Weight weight, bo
     , m_weight(weight)
     , m_dim(dim)
 {
+    // Inside a clickable row the inherited role would be the button's text colour.
+    setForegroundRole(QPalette::WindowText);
     restyle();
     connect(&FWUI::shared(), &FWUI::changed, this, &LookLabel::restyle);
 }
@@ -69,8 +71,12 @@ int ReflowGrid::columnsFor(int width) const
     const FWUI &ui = FWUI::shared();
     const int spacing = ui.px(12);
     const int cell = ui.px(m_minWidth);
-    const int fit = std::max(1, (width + spacing) / (cell + spacing));
-    return std::max(1, std::min<int>(fit, int(m_widgets.size())));
+    const int n = std::max(1, int(m_widgets.size()));
+    const int fit = std::clamp((width + spacing) / (cell + spacing), 1, n);
+    // The rows that many columns need, filled as evenly as they allow: five in
+    // rows of four would leave one alone, so they go three and two.
+    const int rows = (n + fit - 1) / fit;
+    return (n + rows - 1) / rows;
 }
 
 void ReflowGrid::resizeEvent(QResizeEvent *event)

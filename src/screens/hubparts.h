@@ -25,7 +25,8 @@ private:
 };
 
 // Lays its widgets out in as many equal columns as the width allows, each
-// at least `minWidth` points wide; the columns are counted again on resize.
+// at least `minWidth` points wide, with rows as evenly filled as that count
+// allows; the columns are counted again on resize.
 class ReflowGrid : public QWidget
 {
     Q_OBJECT

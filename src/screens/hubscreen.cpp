@@ -323,7 +323,7 @@ HubScreen::HubScreen(const ScreenContext &ctx, QWidget *parent)
     auto *content = new QWidget;
     auto *body = new QVBoxLayout(content);
     body->setContentsMargins(0, 0, 0, 0);
-    m_tileRow = new ReflowGrid(150, content);
+    m_tileRow = new ReflowGrid(200, content);
     QList<QWidget *> tiles;
     for (const auto &[title, symbol] :
          {std::pair{u"Revised contracts"_s, u"arrow.up.doc.fill"_s},

@@ -387,6 +387,34 @@ private Q_SLOTS:
         screen.hide();
     }
 
+    void reflowColumns_data()
+    {
+        QTest::addColumn<int>("widgets");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("columns");
+        // Cells of at least 100 with 12 between them, at 100 %.
+        QTest::newRow("all in one row") << 5 << 600 << 5;
+        QTest::newRow("four fit, rows of three and two") << 5 << 450 << 3;
+        QTest::newRow("two fit, rows of two") << 5 << 250 << 2;
+        QTest::newRow("narrower than one cell") << 5 << 50 << 1;
+        QTest::newRow("fewer widgets than room") << 3 << 1000 << 3;
+        QTest::newRow("six in rows of three") << 6 << 500 << 3;
+    }
+    void reflowColumns()
+    {
+        QFETCH(int, widgets);
+        QFETCH(int, width);
+        QFETCH(int, columns);
+        ReflowGrid grid(100);
+        QList<QWidget *> list;
+        for (int i = 0; i < widgets; ++i)
+            list << new QWidget;
+        grid.setWidgets(list);
+        grid.resize(width, 200);
+        grid.show();
+        QCOMPARE(grid.columns(), columns);
+    }
+
     void chartScale_data()
     {
         QTest::addColumn<double>("max");
