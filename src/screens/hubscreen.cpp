@@ -205,6 +205,15 @@ void ProjectCard::present(const Rec &project, const ProjectFigures &f, bool mone
     }
 }
 
+void ProjectCard::mousePressEvent(QMouseEvent *event)
+{
+    // Taking the press makes the card receive the release that chooses it.
+    if (event->button() == Qt::LeftButton)
+        event->accept();
+    else
+        FWPanel::mousePressEvent(event);
+}
+
 void ProjectCard::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))

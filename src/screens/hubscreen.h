@@ -64,6 +64,7 @@ Q_SIGNALS:
     void chosen(const QString &projectId);
 
 protected:
+    void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
 
 private:

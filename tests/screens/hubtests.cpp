@@ -218,8 +218,21 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&screen));
         ProjectCard *card = screen.cards().at(1);
         QCOMPARE(card->projectId(), shed.id);
-        QTest::mouseClick(card, Qt::LeftButton, {}, QPoint(card->width() / 2, card->height() / 2));
+        // A click on the card's name reaches the card, as one on its background does.
+        QLabel *name = nullptr;
+        for (QLabel *l : card->findChildren<QLabel *>())
+            if (l->text() == u"Shed"_s)
+                name = l;
+        QVERIFY(name);
+        QTest::mouseClick(name, Qt::LeftButton);
         QCOMPARE(nav.projectID(), shed.id);
+        nav.setProjectID(QString());
+        QTest::mouseClick(card, Qt::LeftButton, {}, QPoint(card->width() - 4, card->height() - 4));
+        QCOMPARE(nav.projectID(), shed.id);
+        // Another button does not choose.
+        nav.setProjectID(QString());
+        QTest::mouseClick(card, Qt::RightButton, {}, QPoint(4, 4));
+        QVERIFY(nav.projectID().isEmpty());
     }
 
     void scheduleFraction_data()
