@@ -368,22 +368,19 @@ HubScreen::HubScreen(const ScreenContext &ctx, QWidget *parent)
     m_box->addWidget(HubParts::scroller(content, this), 1);
 
     m_printable = new Printable(this, 0, job);
-    margins();
-    connect(&FWUI::shared(), &FWUI::changed, this, &HubScreen::margins);
-    refresh();
-}
-
-void HubScreen::margins()
-{
-    const FWUI &ui = FWUI::shared();
-    m_box->setContentsMargins(ui.px(24), ui.px(18), ui.px(24), ui.px(6));
-    m_box->setSpacing(ui.px(14));
-    if (QWidget *content = m_tileRow->parentWidget()) {
-        content->layout()->setSpacing(ui.px(14));
-        content->layout()->setContentsMargins(0, 0, ui.px(6), ui.px(12));
-        for (QLayout *l : content->findChildren<QLayout *>(Qt::FindDirectChildrenOnly))
+    // Gaps between the parts follow the zoom like everything else drawn.
+    auto margins = [this, body, columns, left, right] {
+        const FWUI &ui = FWUI::shared();
+        m_box->setContentsMargins(ui.px(24), ui.px(18), ui.px(24), ui.px(6));
+        m_box->setSpacing(ui.px(14));
+        body->setContentsMargins(0, 0, ui.px(6), ui.px(12));
+        for (QBoxLayout *l : {static_cast<QBoxLayout *>(body), static_cast<QBoxLayout *>(columns),
+                              static_cast<QBoxLayout *>(left), static_cast<QBoxLayout *>(right)})
             l->setSpacing(ui.px(14));
-    }
+    };
+    margins();
+    connect(&FWUI::shared(), &FWUI::changed, this, margins);
+    refresh();
 }
 
 QList<Rec> HubScreen::listed(const DB &db, const Nav &nav)

@@ -120,7 +120,6 @@ public:
     FieldPulse *pulse() const { return m_pulse; }
 
 private:
-    void margins();
     DB &m_db;
     Nav &m_nav;
     const ModuleDef &m_m;
