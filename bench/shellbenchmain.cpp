@@ -1,5 +1,6 @@
 // The window's benchmark: its own executable, since the store's benchmark links no widgets.
 #include "generator.h"
+#include "hubbench.h"
 #include "paybench.h"
 #include "shellbench.h"
 
@@ -44,5 +45,6 @@ int main(int argc, char *argv[])
     Screens::registerAll();
     runShellBench(path, runs, out);
     runPayBench(path, runs, out);
+    runHubBench(path, runs, out);
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "about.h"
 #include "documentpanel.h"
+#include "hubscreens.h"
 #include "moneygrid.h"
 #include "tlhelp.h"
 
@@ -25,6 +26,7 @@ void registerAll()
     RecordScreen::registerGeneric();
     registerMoneyScreens();
     registerHelpAndDocuments();
+    registerHubScreens();
 }
 
 } // namespace Screens
