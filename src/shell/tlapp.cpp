@@ -65,7 +65,7 @@ ScreenshotRequest parseScreenshot(const QStringList &args)
     QStringList positional;
     for (qsizetype i = 1; i < args.size(); ++i) {
         const QString &arg = args.at(i);
-        if (arg == u"--finish" || arg == u"--zoom") {
+        if (arg == u"--finish" || arg == u"--zoom" || arg == u"--size") {
             if (i + 1 >= args.size()) {
                 out.error = arg + u" needs a value."_s;
                 return out;
@@ -83,6 +83,16 @@ ScreenshotRequest parseScreenshot(const QStringList &args)
                     out.error = u"Unknown finish \""_s + value + u"\"; one of: "_s + ids.join(u", "_s) + u'.';
                     return out;
                 }
+            } else if (arg == u"--size") {
+                const QStringList parts = value.split(u'x');
+                const int w = parts.value(0).toInt();
+                const int h = parts.value(1).toInt();
+                if (parts.size() != 2 || w < 200 || h < 200) {
+                    out.error =
+                        u"The size is WIDTHxHEIGHT in pixels, at least 200x200, not \""_s + value + u"\"."_s;
+                    return out;
+                }
+                out.size = QSize(w, h);
             } else {
                 bool ok = false;
                 const double percent = QString(value).remove(u'%').trimmed().toDouble(&ok);
@@ -97,7 +107,7 @@ ScreenshotRequest parseScreenshot(const QStringList &args)
         }
     }
     if (positional.value(0) != u"--screenshot" || positional.size() < 2) {
-        out.error = u"Usage: --screenshot FILE [MODULE [RECORD]] [--finish NAME] [--zoom PCT]"_s;
+        out.error = u"Usage: --screenshot FILE [MODULE [RECORD]] [--finish NAME] [--zoom PCT] [--size WxH]"_s;
         return out;
     }
     if (positional.size() > 4) {
@@ -174,6 +184,8 @@ int run(int &argc, char **argv)
     }
 
     TLWindow window(db, nav);
+    if (shot.size.isValid())
+        window.resize(shot.size);
     window.show();
     if (screenshot) {
         const QString file = shot.file;

@@ -1,4 +1,5 @@
 #pragma once
+#include <QtCore/QSize>
 #include <QtCore/QStringList>
 
 #include <functional>
@@ -15,7 +16,7 @@ namespace TLApp {
 bool wantsWindow(int argc, char **argv);
 // Launches: names the program, builds the help pages, opens the store, loads
 // the sample company on an empty store, shows the window and runs the loop.
-// A hidden "--screenshot FILE [MODULE [RECORD]] [--finish NAME] [--zoom PCT]"
+// A hidden "--screenshot FILE [MODULE [RECORD]] [--finish NAME] [--zoom PCT] [--size WxH]"
 // saves the window after its first paint and quits.
 int run(int &argc, char **argv);
 
@@ -27,6 +28,7 @@ struct ScreenshotRequest
     QString record;             // a record id or number; empty: none chosen
     QString finish;             // a finish id; empty: the stored one
     std::optional<double> zoom; // 1.5 for 150 %
+    QSize size;                 // the window's size; invalid: as it opens
     QString error;              // why the command line can't be used; empty when it can
 };
 // Reads the arguments after the program's name, starting at "--screenshot".

@@ -41,6 +41,8 @@ private Q_SLOTS:
             << QString() << 0.0 << u"The zoom is a percentage"_s;
         QTest::newRow("zoom without value") << QStringList{u"a.png"_s, u"--zoom"_s} << QString() << QString()
                                             << QString() << QString() << 0.0 << u"--zoom needs a value."_s;
+        QTest::newRow("size too small") << QStringList{u"a.png"_s, u"--size"_s, u"100x900"_s} << QString()
+                                        << QString() << QString() << QString() << 0.0 << u"The size is"_s;
         QTest::newRow("unknown module") << QStringList{u"a.png"_s, u"nosuch"_s} << u"a.png"_s << u"nosuch"_s
                                         << QString() << QString() << 0.0 << u"Unknown module \"nosuch\"."_s;
         QTest::newRow("no file") << QStringList{} << QString() << QString() << QString() << QString() << 0.0
@@ -68,6 +70,10 @@ private Q_SLOTS:
         QCOMPARE(r.record, record);
         QCOMPARE(r.finish, finish);
         QCOMPARE(r.zoom.value_or(0), zoom);
+        if (args.contains(u"--size"_s))
+            QCOMPARE(r.size, QSize(1400, 1800));
+        else
+            QVERIFY(!r.size.isValid());
     }
 
     void findRecord()
