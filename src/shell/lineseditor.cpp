@@ -10,9 +10,11 @@
 
 #include <QtGui/QPaintEvent>
 #include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QScrollArea>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTableView>
 
@@ -106,7 +108,6 @@ public:
         setFocusPolicy(Qt::TabFocus);
         setWordWrap(false);
         setCornerButtonEnabled(false);
-        setAutoScroll(false);
         setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
         setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
@@ -177,6 +178,14 @@ protected:
         m_delegate->setOpenChoices(m_mouse);
         const bool opened = QTableView::edit(index, trigger, event);
         m_delegate->setOpenChoices(false);
+        // The grid does not scroll itself; the editor's scroll area brings the open cell into view.
+        QWidget *focus = QApplication::focusWidget();
+        if (opened && focus && viewport()->isAncestorOf(focus))
+            for (QWidget *w = parentWidget(); w; w = w->parentWidget())
+                if (auto *area = qobject_cast<QScrollArea *>(w)) {
+                    area->ensureWidgetVisible(focus, 0, FWUI::shared().px(24));
+                    break;
+                }
         return opened;
     }
 

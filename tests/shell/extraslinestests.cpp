@@ -10,6 +10,7 @@
 #include "shell/moduleextras.h"
 #include "shell/nav.h"
 #include "shell/photostrip.h"
+#include "shell/recordeditor.h"
 #include "store/db.h"
 
 #include <QtCore/QFile>
@@ -19,6 +20,8 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTableView>
 #include <QtWidgets/QToolButton>
 
@@ -346,6 +349,32 @@ private Q_SLOTS:
         QVERIFY(qobject_cast<QLineEdit *>(QApplication::focusWidget()));
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
         QCOMPARE(editor->grid()->currentIndex(), cell(editor.get(), 0, u"unitCost"));
+    }
+
+    // A cell opened below the editor's fold scrolls into view.
+    void editedCellScrollsIntoView()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        QList<Rec> lines;
+        for (int k = 0; k < 40; ++k)
+            lines.append(db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, QString::number(k + 1)}}));
+        Nav nav;
+        RecordEditor editor(db, nav, *Modules::get(u"estimates"), est.id);
+        editor.resize(820, 500);
+        QVERIFY(showActive(&editor));
+        auto *lineEditor = editor.findChild<LinesEditor *>();
+        auto *area = editor.findChild<QScrollArea *>();
+        QVERIFY(lineEditor && area);
+        QCOMPARE(area->verticalScrollBar()->value(), 0);
+        QTableView *grid = lineEditor->grid();
+        grid->setCurrentIndex(cell(lineEditor, 39, u"description"));
+        auto *box = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+        QVERIFY(box);
+        QVERIFY(area->verticalScrollBar()->value() > 0);
+        const QRect shown(box->mapTo(area->viewport(), QPoint()), box->size());
+        QVERIFY(area->viewport()->rect().contains(shown));
     }
 
     void photos()
