@@ -85,6 +85,8 @@ protected:
 class LinesGrid : public QTableView
 {
 public:
+    using QTableView::edit;
+
     LinesGrid(LinesModel *model, QWidget *parent)
         : QTableView(parent)
         , m_model(model)
@@ -99,10 +101,11 @@ public:
         setShowGrid(false);
         setFrameShape(QFrame::NoFrame);
         setSelectionMode(QAbstractItemView::NoSelection);
-        // A click or a keystroke opens the cell's editor at once; Tab walks the cells.
-        setEditTriggers(QAbstractItemView::CurrentChanged | QAbstractItemView::SelectedClicked |
-                        QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
-                        QAbstractItemView::AnyKeyPressed);
+        // A click (see mousePressEvent) or a keystroke opens the cell's editor at
+        // once; Tab walks the cells. Not on every change of the current cell: a
+        // line removed under it would open another line's editor and take the focus.
+        setEditTriggers(QAbstractItemView::SelectedClicked | QAbstractItemView::DoubleClicked |
+                        QAbstractItemView::EditKeyPressed | QAbstractItemView::AnyKeyPressed);
         setTabKeyNavigation(true);
         // A click gives the focus to the editor it opens, never to the grid.
         setFocusPolicy(Qt::TabFocus);
@@ -201,6 +204,9 @@ protected:
         }
         m_mouse = true;
         QTableView::mousePressEvent(e);
+        if (index.isValid() && index == currentIndex() && (index.flags() & Qt::ItemIsEditable) &&
+            state() != EditingState)
+            edit(index);
         m_mouse = false;
     }
 

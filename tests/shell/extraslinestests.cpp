@@ -133,9 +133,31 @@ private Q_SLOTS:
         QCOMPARE(db.count(kind, {.parent = owner.id}), 1);
         QCOMPARE(editor->lineIds(), QStringList{lines[1].id});
         QCOMPARE(QApplication::focusWidget(), box);
+        QCOMPARE(editor->grid()->currentIndex().row(), 0);
         QCOMPARE(box->cursorPosition(), caret);
         QTest::keyClicks(box, u"c"_s);
         QVERIFY(db.get(lines[1].id)->f.value(text->key).endsWith(u"abc"_s));
+    }
+
+    // Removing the line last edited opens no other line's box and moves no focus.
+    void removingCurrentLineOpensNothing()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, u"1"_s}});
+        db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, u"2"_s}});
+        auto editor = editorOf(db, u"estimates"_s, est.id);
+        QVERIFY(showActive(editor.get()));
+        QVERIFY(qobject_cast<QLineEdit *>(click(editor.get(), cell(editor.get(), 0, u"description"))));
+        auto *add = editor->findChild<FWChromeButton *>(u"add"_s);
+        add->setFocus();
+        QTableView *grid = editor->grid();
+        const QModelIndex remove = editor->model()->index(0, editor->model()->removeColumn());
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(remove).center());
+        editor->refresh();
+        QCOMPARE(editor->lineIds().size(), 1);
+        QCOMPARE(QApplication::focusWidget(), add);
     }
 
     void emptyAndGoneOwner()
@@ -369,7 +391,7 @@ private Q_SLOTS:
         QVERIFY(lineEditor && area);
         QCOMPARE(area->verticalScrollBar()->value(), 0);
         QTableView *grid = lineEditor->grid();
-        grid->setCurrentIndex(cell(lineEditor, 39, u"description"));
+        grid->edit(cell(lineEditor, 39, u"description"));
         auto *box = qobject_cast<QLineEdit *>(QApplication::focusWidget());
         QVERIFY(box);
         QVERIFY(area->verticalScrollBar()->value() > 0);
