@@ -14,8 +14,6 @@
 #include <QtGui/QFocusEvent>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
-#include <QtGui/QPainterPath>
-#include <QtWidgets/QAbstractItemView>
 
 using namespace Qt::StringLiterals;
 
