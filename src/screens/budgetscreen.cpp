@@ -174,16 +174,9 @@ MoneyGrid::Cells BudgetScreen::makeRow(const QString &key, QWidget *row)
 
 void BudgetScreen::refresh()
 {
-    const std::optional<Rec> p = syncProject();
+    const std::optional<Rec> p = syncProject(m_printable, &printJob);
     if (!p)
         return;
-    if (p->id != m_projectId) {
-        m_projectId = p->id;
-        const PrintJob job = printJob(m_db, p->id);
-        m_printable->setJob(job);
-        if (auto *print = findChild<PrintButton *>())
-            print->setJob(job);
-    }
 
     const Calc::BudgetSummary b = budget(m_db, p->id);
     refreshTiles(*p, b);

@@ -47,5 +47,4 @@ private:
     ThemedChoice *m_codes;
     FWChromeButton *m_add;
     Printable *m_printable;
-    QString m_projectId;
 };

@@ -249,28 +249,8 @@ void DocumentPanel::flush()
         return;
     // Each picture goes into the file as the data URL made when it first came
     // in, so a keystroke never costs a fresh encoding of every photo.
-    const QTextDocument &live = *m_view->document();
-    std::unique_ptr<QTextDocument> copy(live.clone());
-    QList<QPair<int, QTextImageFormat>> pictures;
-    for (QTextBlock block = copy->begin(); block.isValid(); block = block.next())
-        for (auto it = block.begin(); !it.atEnd(); ++it) {
-            const QTextFragment frag = it.fragment();
-            if (!frag.charFormat().isImageFormat())
-                continue;
-            QTextImageFormat format = frag.charFormat().toImageFormat();
-            const QString url = dataUrl(live, format.name());
-            if (url.isEmpty())
-                continue;
-            format.setName(url);
-            pictures.append({frag.position(), format});
-        }
-    for (const auto &[pos, format] : pictures) {
-        QTextCursor cursor(copy.get());
-        cursor.setPosition(pos);
-        cursor.setPosition(pos + 1, QTextCursor::KeepAnchor);
-        cursor.setCharFormat(format);
-    }
-    DocStore::write(m_path, *copy);
+    DocStore::write(m_path, *m_view->document(),
+                    [this](const QTextDocument &doc, const QString &name) { return dataUrl(doc, name); });
 }
 
 QString DocumentPanel::dataUrl(const QTextDocument &doc, const QString &name)

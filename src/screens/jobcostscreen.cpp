@@ -132,16 +132,9 @@ PrintJob JobCostScreen::printJob(DB &db, const QString &projectId)
 
 void JobCostScreen::refresh()
 {
-    const std::optional<Rec> p = syncProject();
+    const std::optional<Rec> p = syncProject(m_printable, &printJob);
     if (!p)
         return;
-    if (p->id != m_projectId) {
-        m_projectId = p->id;
-        const PrintJob job = printJob(m_db, p->id);
-        m_printable->setJob(job);
-        if (auto *print = findChild<PrintButton *>())
-            print->setJob(job);
-    }
     const Calc::JobCost jc = jobCost(m_db, p->id);
     m_tiles[0]->setValue(Money::fmt(jc.total.budget));
     m_tiles[1]->setValue(Money::fmt(jc.total.committed));

@@ -36,5 +36,4 @@ private:
     QList<KPITile *> m_tiles;
     MoneyGrid *m_grid;
     Printable *m_printable;
-    QString m_projectId;
 };

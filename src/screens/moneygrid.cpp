@@ -10,6 +10,8 @@
 #include "look/fwui.h"
 #include "shell/nav.h"
 #include "shell/pickproject.h"
+#include "shell/printbutton.h"
+#include "shell/printcenter.h"
 #include "shell/screentitle.h"
 #include "shell/totalsbox.h"
 #include "store/db.h"
@@ -253,6 +255,19 @@ ProjectScreen::ProjectScreen(const ScreenContext &ctx, const QString &tail, QWid
 bool ProjectScreen::bodyShown() const
 {
     return m_stack->currentWidget() == m_scroll;
+}
+
+std::optional<Rec> ProjectScreen::syncProject(Printable *printable, PrintJob (*make)(DB &, const QString &))
+{
+    std::optional<Rec> p = syncProject();
+    if (p && p->id != m_jobProject) {
+        m_jobProject = p->id;
+        const PrintJob job = make(m_db, p->id);
+        printable->setJob(job);
+        if (auto *print = findChild<PrintButton *>())
+            print->setJob(job);
+    }
+    return p;
 }
 
 std::optional<Rec> ProjectScreen::syncProject()

@@ -11,6 +11,8 @@
 #include <optional>
 
 class PickProject;
+class Printable;
+struct PrintJob;
 class QScrollArea;
 class QStackedLayout;
 class QVBoxLayout;
@@ -109,6 +111,9 @@ protected:
     ProjectScreen(const ScreenContext &ctx, const QString &tail, QWidget *trailing, QWidget *parent);
     // Shows the picker or the body for Nav's project and titles the screen; the project, if any.
     std::optional<Rec> syncProject();
+    // The same, and when the project changed, points the screen's print job (its
+    // Printable and the title row's print button) at the new project.
+    std::optional<Rec> syncProject(Printable *printable, PrintJob (*make)(DB &, const QString &));
     // The column the screen fills.
     QVBoxLayout *body() const { return m_body; }
     // The controls at the end of the title row, as given.
@@ -130,6 +135,7 @@ private:
     PickProject *m_picker = nullptr;
     QString m_pickKey;
     QVBoxLayout *m_body;
+    QString m_jobProject;
 };
 
 // Registers the budget, job-cost and pay-application screens with the module area.
