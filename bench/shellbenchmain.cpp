@@ -1,6 +1,8 @@
 // The window's benchmark: its own executable, since the store's benchmark links no widgets.
 #include "ganttbench.h"
 #include "generator.h"
+#include "hubbench.h"
+#include "paybench.h"
 #include "shellbench.h"
 
 #include "screens/screens.h"
@@ -43,6 +45,8 @@ int main(int argc, char *argv[])
     }
     Screens::registerAll();
     runShellBench(path, runs, out);
+    runPayBench(path, runs, out);
+    runHubBench(path, runs, out);
     runGanttBench(runs, out);
     return 0;
 }

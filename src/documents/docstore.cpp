@@ -43,7 +43,7 @@ QString bodyPath(const DB &db, const Rec &document)
     return db.fileURL(u"doc-"_s + document.id + u".html"_s, document.company);
 }
 
-bool write(const QString &path, const QTextDocument &text)
+bool write(const QString &path, const QTextDocument &text, const PictureEncoder &encode)
 {
     // Pictures go into the file itself, so the body stays one file.
     std::unique_ptr<QTextDocument> copy(text.clone());
@@ -56,7 +56,7 @@ bool write(const QString &path, const QTextDocument &text)
             QTextImageFormat format = frag.charFormat().toImageFormat();
             if (format.name().startsWith(u"data:"_s))
                 continue;
-            const QString url = dataUrl(text, format.name());
+            const QString url = encode ? encode(text, format.name()) : dataUrl(text, format.name());
             if (url.isEmpty())
                 continue;
             format.setName(url);

@@ -24,6 +24,8 @@ HeaderMenuButton::HeaderMenuButton(const QString &caption, const QString &symbol
 {
     setAccessibleName(caption);
     setCursor(Qt::PointingHandCursor);
+    // The value is elided, so at large zooms the menus give up width rather than widen the window.
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     Chrome::followLook(this);
     connect(this, &QAbstractButton::pressed, this, [this] {
         m_menu->popup(mapToGlobal(QPoint(0, height())));
@@ -55,6 +57,13 @@ QSize HeaderMenuButton::sizeHint() const
     const int captionW = QFontMetrics(ui.font(9.5, QFont::DemiBold)).horizontalAdvance(m_caption.toUpper());
     const int icon = m_symbol.isEmpty() ? 0 : ui.px(22);
     return {ui.px(14) + icon + std::max(textW, m_compact ? 0 : captionW) + ui.px(26), ui.px(40)};
+}
+
+QSize HeaderMenuButton::minimumSizeHint() const
+{
+    const FWUI &ui = FWUI::shared();
+    const int icon = m_symbol.isEmpty() ? 0 : ui.px(22);
+    return {ui.px(14) + icon + ui.px(48) + ui.px(26), ui.px(40)};
 }
 
 void HeaderMenuButton::paintEvent(QPaintEvent *)

@@ -21,6 +21,7 @@ public:
     // The compact form shows only the value.
     void setCompact(bool compact);
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent *) override;

@@ -3,30 +3,34 @@
 #include "refreshable.h"
 #include "store/rec.h"
 
-#include <QtCore/QHash>
 #include <QtWidgets/QWidget>
 
 class DB;
 class FWChromeButton;
-class LineRow;
+class LinesGrid;
+class LinesModel;
 class QLabel;
-class QVBoxLayout;
+class QTableView;
 
 // The child records of a record (estimate lines, bids...) as a small grid:
 // one compact editor per line field, the line's amount when it has a
-// quantity, and a remove button that asks nothing.
+// quantity, and a remove button that asks nothing. The cells are painted and
+// only the cell being edited has an editor, so a long estimate opens at once.
 class LinesEditor : public QWidget, public Refreshable
 {
     Q_OBJECT
 public:
     LinesEditor(DB &db, const QString &parentId, const QString &kind, const QList<FD> &fields,
                 QWidget *parent = nullptr);
-    // Adds and removes rows for the lines now stored and updates the rest in place.
+    // Adds, removes and updates rows for the lines now stored, in place.
     void refresh() override;
     // Adds a line with its starting values to the owner; nothing when the owner is gone.
     void add();
     // The ids of the lines shown, in order.
     QStringList lineIds() const;
+    // The grid and its rows, for tests.
+    QTableView *grid() const;
+    LinesModel *model() const { return m_model; }
 
     // A column's width in points before zoom; 0 for a column that takes the free width.
     static int columnWidth(const FD &fd);
@@ -42,11 +46,8 @@ private:
     QString m_parent;
     QString m_kind;
     QList<FD> m_fields;
-    QString m_project;
     FWChromeButton *m_add;
     QLabel *m_empty;
-    QWidget *m_header;
-    QVBoxLayout *m_rowsLayout;
-    QHash<QString, LineRow *> m_rows;
-    QStringList m_order;
+    LinesModel *m_model;
+    LinesGrid *m_grid;
 };

@@ -93,9 +93,19 @@ void helpMenu(TLWindow *w)
     QMenu *m = w->menuBar()->addMenu(u"&Help"_s);
     m->addAction(u"Fenwright Trestle Help"_s, QKeySequence::HelpContents, w, [w] { TLApp::showHelp(w); });
     QObject::connect(w->main(), &TLMain::helpRequested, w, [w] { TLApp::showHelp(w); });
+    if (aboutHook()) {
+        QAction *about = m->addAction(u"About Trestle"_s, w, [w] { aboutHook()(w); });
+        about->setMenuRole(QAction::AboutRole);
+    }
 }
 
 } // namespace
+
+std::function<void(QWidget *)> &aboutHook()
+{
+    static std::function<void(QWidget *)> hook;
+    return hook;
+}
 
 void build(TLWindow *window, DB &db, Nav &nav)
 {

@@ -1,10 +1,14 @@
 #pragma once
+#include <functional>
 
 class DB;
+class QWidget;
 class Nav;
 class TLWindow;
 
 // The menu bar of the window: File, Go, View and Help.
 namespace Menus {
 void build(TLWindow *window, DB &db, Nav &nav);
+// Shows the About window over the given window; set by the screens layer.
+std::function<void(QWidget *)> &aboutHook();
 } // namespace Menus

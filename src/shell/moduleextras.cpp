@@ -248,6 +248,12 @@ void AssemblyAdder::present(const Rec &)
 
 // --- factories ---
 
+PanelFactory &documentPanelFactory()
+{
+    static PanelFactory factory;
+    return factory;
+}
+
 QWidget *makeModuleExtras(DB &db, Nav &nav, const ModuleDef &m, const QString &recordId, QWidget *parent)
 {
     if (!db.find(recordId))
@@ -264,6 +270,8 @@ QWidget *makeModuleExtras(DB &db, Nav &nav, const ModuleDef &m, const QString &r
         return new UnitItemEarned(db, recordId, parent);
     if (m.id == u"estimates"_s)
         return new AssemblyAdder(db, recordId, parent);
+    if (m.id == u"documents"_s && documentPanelFactory())
+        return documentPanelFactory()(db, nav, recordId, parent);
     // Photos (daily logs, punch, safety) are placed by the editor through makePhotoStrip.
     return nullptr;
 }

@@ -1,6 +1,8 @@
 #pragma once
 #include <QtCore/QString>
 
+#include <functional>
+
 class DB;
 class Nav;
 class QWidget;
@@ -19,3 +21,6 @@ QWidget *makeModuleExtrasAfterLines(DB &db, Nav &nav, const ModuleDef &m, const 
                                     QWidget *parent);
 // The photos attached to a record.
 QWidget *makePhotoStrip(DB &db, const QString &recordId, QWidget *parent);
+// The editor of a document's body, which the screens layer supplies; empty until registered.
+using PanelFactory = std::function<QWidget *(DB &, Nav &, const QString &recordId, QWidget *parent)>;
+PanelFactory &documentPanelFactory();

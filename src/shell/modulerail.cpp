@@ -93,6 +93,8 @@ ModuleRail::ModuleRail(DB &db, Nav &nav, QWidget *parent)
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    // The rail keeps its zoomed width; a crowded window narrows the record list instead.
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
     viewport()->setAutoFillBackground(false);
     rebuild();
     connect(&FWUI::shared(), &FWUI::changed, this, [this] {

@@ -126,6 +126,8 @@ public:
             m_box->setText(caption);
             m_box->setCursorPosition(0);
         }
+        // The box is narrower than most captions; the whole one shows on hovering.
+        m_box->setToolTip(caption);
     }
 
     void restyle()
@@ -135,6 +137,8 @@ public:
         m_thumb->setFixedSize(m_thumb->sizeHint());
         setFixedWidth(ui.px(kThumbW));
         m_box->setFont(ui.font(11.5));
+        // A little room inside the narrow box, so the caption does not touch its edge.
+        m_box->setTextMargins(ui.px(3), 0, ui.px(2), 0);
         m_delete->setIcon(Icons::icon(u"trash"_s, ui.theme().dim, ui.px(14)));
         m_delete->setIconSize(QSize(ui.px(14), ui.px(14)));
     }

@@ -40,7 +40,8 @@ RecordScreen::RecordScreen(const ScreenContext &ctx, QWidget *parent)
     m_searchBox = new ThemedTextField({[this] { return m_search; },
                                        [this](const QString &v) {
                                            m_search = v;
-                                           reloadRows();
+                                           m_model->setSearch(m_search);
+                                           showRows();
                                        }},
                                       u"Search "_s + m_m.title.toLower(), false, trailing);
     tools->addWidget(m_searchBox);
@@ -139,13 +140,13 @@ void RecordScreen::refresh()
     const std::optional<QString> project = scopedProject();
     m_title->setSubtitle(project ? m_db.label(*project) + u" · "_s + m_m.blurb : m_m.blurb);
     m_searchBox->refresh();
-    reloadRows();
+    m_model->reload(scopedProject(), m_search);
+    showRows();
     syncEditor();
 }
 
-void RecordScreen::reloadRows()
+void RecordScreen::showRows()
 {
-    m_model->reload(scopedProject(), m_search);
     if (m_model->rowCount() == 0) {
         const QString lower = m_m.title.toLower();
         const bool noProject = m_m.perProject && m_db.count(u"project"_s) == 0;

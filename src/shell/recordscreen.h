@@ -53,7 +53,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void reloadRows();
+    // The list or the empty state, for the rows the model holds now.
+    void showRows();
     void syncSelection();
     void syncEditor();
     void restyle();

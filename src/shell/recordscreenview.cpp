@@ -12,9 +12,41 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// The column headings in the finish's dim colour; a heading wider than its
+// column is shortened with "…" (the style sheet's own drawing would cut it).
+class ListHeader : public QHeaderView
+{
+public:
+    explicit ListHeader(QWidget *parent)
+        : QHeaderView(Qt::Horizontal, parent)
+    {}
+
+    QSize sizeHint() const override { return {length(), fontMetrics().height() + 2 * FWUI::shared().px(6)}; }
+
+protected:
+    void paintSection(QPainter *p, const QRect &rect, int logical) const override
+    {
+        const FWUI &ui = FWUI::shared();
+        const QRect text = rect.adjusted(ui.px(8), 0, -ui.px(4), 0);
+        const auto align = model()->headerData(logical, orientation(), Qt::TextAlignmentRole);
+        p->save();
+        p->setFont(font());
+        p->setPen(ui.theme().dim);
+        p->drawText(text, align.isValid() ? align.toInt() : int(Qt::AlignLeft | Qt::AlignVCenter),
+                    fontMetrics().elidedText(model()->headerData(logical, orientation()).toString(),
+                                             Qt::ElideRight, text.width()));
+        p->restore();
+    }
+};
+
+} // namespace
+
 RecordListView::RecordListView(QWidget *parent)
     : QTreeView(parent)
 {
+    setHeader(new ListHeader(this));
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setItemsExpandable(false);
@@ -38,14 +70,10 @@ RecordListView::RecordListView(QWidget *parent)
 void RecordListView::restyle()
 {
     const FWUI &ui = FWUI::shared();
-    const FWTheme &t = ui.theme();
     QFont head = ui.font(10, QFont::Black);
     head.setLetterSpacing(QFont::AbsoluteSpacing, ui.s(1));
     header()->setFont(head);
-    header()->setStyleSheet(
-        u"QHeaderView { background: transparent; } QHeaderView::section { background: transparent; color: "_s +
-        t.dim.name() + u"; border: none; padding: "_s + QString::number(ui.px(6)) + u"px "_s +
-        QString::number(ui.px(8)) + u"px; }"_s);
+    header()->setStyleSheet(u"QHeaderView { background: transparent; border: none; }"_s);
     setStyleSheet(u"QTreeView { background: transparent; border: none; }"_s);
     FieldLook::thinScrollBar(verticalScrollBar());
 }
@@ -108,6 +136,9 @@ void RecordCellDelegate::paintCapsule(QPainter *p, const QRectF &cell, const QSt
     const FWUI &ui = FWUI::shared();
     const QFont font = ui.font(10, QFont::Black);
     const qreal w = std::min<qreal>(QFontMetricsF(font).horizontalAdvance(text) + ui.s(16), cell.width());
+    // In a column too narrow for it the capsule keeps its ends and shortens the word.
+    const QString shown =
+        QFontMetricsF(font).elidedText(text, Qt::ElideRight, std::max<qreal>(0, w - ui.s(12)));
     const qreal hgt = ui.s(18);
     const QRectF r(cell.left() + 0.5, cell.center().y() - hgt / 2 + 0.5, w - 1, hgt - 1);
     fill.setAlphaF(0.75);
@@ -118,7 +149,7 @@ void RecordCellDelegate::paintCapsule(QPainter *p, const QRectF &cell, const QSt
     p->drawRoundedRect(r, r.height() / 2, r.height() / 2);
     p->setPen(Qt::white);
     p->setFont(font);
-    p->drawText(r, Qt::AlignCenter, text);
+    p->drawText(r, Qt::AlignCenter, shown);
     p->restore();
 }
 

@@ -5,14 +5,17 @@
 #include "tlmain.h"
 #include "tlwindow.h"
 
+#include "catalog/modules.h"
 #include "documents/samplefiles.h"
 #include "interchange/sample.h"
 #include "look/fwui.h"
 #include "store/db.h"
 
+#include <QtCore/QTextStream>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
+#include <cmath>
 #include <cstring>
 
 using namespace Qt::StringLiterals;
@@ -56,6 +59,83 @@ void ensureCompany(DB &db)
         loadSample(db);
 }
 
+ScreenshotRequest parseScreenshot(const QStringList &args)
+{
+    ScreenshotRequest out;
+    QStringList positional;
+    for (qsizetype i = 1; i < args.size(); ++i) {
+        const QString &arg = args.at(i);
+        if (arg == u"--finish" || arg == u"--zoom" || arg == u"--size") {
+            if (i + 1 >= args.size()) {
+                out.error = arg + u" needs a value."_s;
+                return out;
+            }
+            const QString value = args.at(++i);
+            if (arg == u"--finish") {
+                for (const FWTheme &t : FWTheme::all())
+                    if (t.id.compare(value, Qt::CaseInsensitive) == 0 ||
+                        t.name.compare(value, Qt::CaseInsensitive) == 0)
+                        out.finish = t.id;
+                if (out.finish.isEmpty()) {
+                    QStringList ids;
+                    for (const FWTheme &t : FWTheme::all())
+                        ids << t.id;
+                    out.error = u"Unknown finish \""_s + value + u"\"; one of: "_s + ids.join(u", "_s) + u'.';
+                    return out;
+                }
+            } else if (arg == u"--size") {
+                const QStringList parts = value.split(u'x');
+                const int w = parts.value(0).toInt();
+                const int h = parts.value(1).toInt();
+                if (parts.size() != 2 || w < 200 || h < 200) {
+                    out.error =
+                        u"The size is WIDTHxHEIGHT in pixels, at least 200x200, not \""_s + value + u"\"."_s;
+                    return out;
+                }
+                out.size = QSize(w, h);
+            } else {
+                bool ok = false;
+                const double percent = QString(value).remove(u'%').trimmed().toDouble(&ok);
+                if (!ok || !std::isfinite(percent) || percent <= 0) {
+                    out.error = u"The zoom is a percentage such as 150, not \""_s + value + u"\"."_s;
+                    return out;
+                }
+                out.zoom = percent / 100;
+            }
+        } else {
+            positional << arg;
+        }
+    }
+    if (positional.value(0) != u"--screenshot" || positional.size() < 2) {
+        out.error = u"Usage: --screenshot FILE [MODULE [RECORD]] [--finish NAME] [--zoom PCT] [--size WxH]"_s;
+        return out;
+    }
+    if (positional.size() > 4) {
+        out.error = u"Too many arguments after --screenshot."_s;
+        return out;
+    }
+    out.file = positional.at(1);
+    out.module = positional.value(2);
+    out.record = positional.value(3);
+    if (!out.module.isEmpty() && !Modules::get(out.module))
+        out.error = u"Unknown module \""_s + out.module + u"\"."_s;
+    return out;
+}
+
+QString findRecord(const DB &db, const ModuleDef &m, const QString &idOrNumber)
+{
+    if (idOrNumber.isEmpty())
+        return {};
+    if (const Rec *rec = db.find(idOrNumber); rec && rec->kind == m.kind)
+        return rec->id;
+    QString found;
+    db.visit(m.kind, {}, [&](const Rec &r) {
+        if (found.isEmpty() && r.f.value(u"number") == idOrNumber)
+            found = r.id;
+    });
+    return found;
+}
+
 int run(int &argc, char **argv)
 {
     QApplication app(argc, argv);
@@ -70,14 +150,45 @@ int run(int &argc, char **argv)
     Nav &nav = Nav::shared();
 
     const QStringList args = app.arguments();
-    const bool screenshot = args.size() >= 3 && args.at(1) == u"--screenshot";
-    if (screenshot && args.size() >= 4)
-        nav.setModule(args.at(3));
+    const bool screenshot = args.size() >= 2 && args.at(1) == u"--screenshot";
+    ScreenshotRequest shot;
+    // The look and project a screenshot changes are put back, so the user's own stay.
+    const QString keptFinish = FWUI::shared().theme().id;
+    const double keptZoom = FWUI::shared().zoom();
+    const QString keptProject = nav.projectID();
+    if (screenshot) {
+        shot = parseScreenshot(args);
+        QString recordId;
+        if (shot.error.isEmpty() && !shot.record.isEmpty()) {
+            recordId =
+                shot.module.isEmpty() ? QString() : findRecord(db, *Modules::get(shot.module), shot.record);
+            if (recordId.isEmpty())
+                shot.error = u"No record \""_s + shot.record + u"\" in module \""_s + shot.module + u"\"."_s;
+        }
+        if (!shot.error.isEmpty()) {
+            QTextStream(stderr) << shot.error << Qt::endl;
+            return 2;
+        }
+        if (!shot.module.isEmpty())
+            nav.setModule(shot.module);
+        if (!recordId.isEmpty()) {
+            const Rec *rec = db.find(recordId);
+            if (!rec->project.isEmpty())
+                nav.setProjectID(rec->project);
+            nav.setSelected(shot.module, recordId);
+        }
+        if (!shot.finish.isEmpty())
+            FWUI::shared().setTheme(shot.finish);
+        if (shot.zoom)
+            FWUI::shared().setZoom(*shot.zoom);
+    }
 
     TLWindow window(db, nav);
+    if (shot.size.isValid())
+        window.resize(shot.size);
     window.show();
     if (screenshot) {
-        const QString file = args.at(2);
+        const QString file = shot.file;
         // Two turns: the first builds and lays out, the second has painted.
         QTimer::singleShot(300, &window, [&window, file] {
             window.main()->refresh();
@@ -85,7 +196,13 @@ int run(int &argc, char **argv)
                                [&window, file] { QApplication::exit(window.grab().save(file) ? 0 : 1); });
         });
     }
-    return app.exec();
+    const int result = app.exec();
+    if (screenshot) {
+        FWUI::shared().setTheme(keptFinish);
+        FWUI::shared().setZoom(keptZoom);
+        nav.setProjectID(keptProject);
+    }
+    return result;
 }
 
 } // namespace TLApp

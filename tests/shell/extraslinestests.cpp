@@ -1,21 +1,28 @@
 // The lines grid and the photo strip on a private store: adding and removing
-// lines, money typed into a cell, and photos from real and broken files.
+// lines, what the cells show, typing into a cell while the store refreshes,
+// and photos from real and broken files.
 #include "testmain.h"
 
 #include "catalog/modules.h"
 #include "look/buttons.h"
+#include "shell/linecells.h"
 #include "shell/lineseditor.h"
 #include "shell/moduleextras.h"
 #include "shell/nav.h"
 #include "shell/photostrip.h"
+#include "shell/recordeditor.h"
 #include "store/db.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QImage>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QComboBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
+#include <QtWidgets/QTableView>
 #include <QtWidgets/QToolButton>
 
 using namespace Qt::StringLiterals;
@@ -35,6 +42,38 @@ class ExtrasLinesTests : public QObject
         Nav nav;
         QWidget *w = makeLinesEditor(db, nav, *Modules::get(module), ownerId, nullptr);
         return std::unique_ptr<LinesEditor>(qobject_cast<LinesEditor *>(w));
+    }
+
+    // The editor shown in an active window, as a user would have it.
+    static bool showActive(QWidget *w)
+    {
+        w->resize(800, 400);
+        w->show();
+        QApplication::setActiveWindow(w);
+        return QTest::qWaitForWindowActive(w);
+    }
+
+    // The grid cell of field `key` in row `row`.
+    static QModelIndex cell(LinesEditor *editor, int row, QStringView key)
+    {
+        const QList<FD> &fields = editor->model()->fields();
+        for (int c = 0; c < fields.size(); ++c)
+            if (fields.at(c).key == key)
+                return editor->model()->index(row, c);
+        return {};
+    }
+
+    // Clicks a cell as the user would; the box that opens has the focus.
+    static QWidget *click(LinesEditor *editor, const QModelIndex &index)
+    {
+        QTableView *grid = editor->grid();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(index).center());
+        return QApplication::focusWidget();
+    }
+
+    static QString amountShown(LinesEditor *editor, int row)
+    {
+        return editor->model()->index(row, editor->model()->amountColumn()).data().toString();
     }
 
 private Q_SLOTS:
@@ -77,13 +116,48 @@ private Q_SLOTS:
             QCOMPARE(lines[1].f.value(pair.section(u'=', 0, 0)), pair.section(u'=', 1));
         QCOMPARE(lines[1].project, p.id);
 
-        // Removing asks nothing and leaves the other row where it was.
-        QWidget *firstRow = editor->findChild<QWidget *>(lines[1].id);
-        editor->findChild<QWidget *>(lines[0].id)->findChild<QToolButton *>(u"remove"_s)->click();
+        // Removing asks nothing, and the line being typed in keeps its box and caret.
+        QVERIFY(showActive(editor.get()));
+        const QList<FD> &fields = editor->model()->fields();
+        const auto text =
+            std::find_if(fields.begin(), fields.end(), [](const FD &fd) { return fd.type.kind == FT::text; });
+        auto *box = qobject_cast<QLineEdit *>(click(editor.get(), cell(editor.get(), 1, text->key)));
+        QVERIFY(box);
+        QTest::keyClick(box, Qt::Key_End);
+        QTest::keyClicks(box, u"ab"_s);
+        const int caret = box->cursorPosition();
+        QTableView *grid = editor->grid();
+        const QModelIndex remove = editor->model()->index(0, editor->model()->removeColumn());
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(remove).center());
         editor->refresh();
         QCOMPARE(db.count(kind, {.parent = owner.id}), 1);
         QCOMPARE(editor->lineIds(), QStringList{lines[1].id});
-        QCOMPARE(editor->findChild<QWidget *>(lines[1].id), firstRow);
+        QCOMPARE(QApplication::focusWidget(), box);
+        QCOMPARE(editor->grid()->currentIndex().row(), 0);
+        QCOMPARE(box->cursorPosition(), caret);
+        QTest::keyClicks(box, u"c"_s);
+        QVERIFY(db.get(lines[1].id)->f.value(text->key).endsWith(u"abc"_s));
+    }
+
+    // Removing the line last edited opens no other line's box and moves no focus.
+    void removingCurrentLineOpensNothing()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, u"1"_s}});
+        db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, u"2"_s}});
+        auto editor = editorOf(db, u"estimates"_s, est.id);
+        QVERIFY(showActive(editor.get()));
+        QVERIFY(qobject_cast<QLineEdit *>(click(editor.get(), cell(editor.get(), 0, u"description"))));
+        auto *add = editor->findChild<FWChromeButton *>(u"add"_s);
+        add->setFocus();
+        QTableView *grid = editor->grid();
+        const QModelIndex remove = editor->model()->index(0, editor->model()->removeColumn());
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(remove).center());
+        editor->refresh();
+        QCOMPARE(editor->lineIds().size(), 1);
+        QCOMPARE(QApplication::focusWidget(), add);
     }
 
     void emptyAndGoneOwner()
@@ -130,23 +204,28 @@ private Q_SLOTS:
         const Rec line =
             db.add(u"est_line"_s, p.id, est.id, {{u"qty"_s, u"2"_s}, {u"unitCost"_s, u"1250"_s}});
         auto editor = editorOf(db, u"estimates"_s, est.id);
-        editor->show();
-        QApplication::setActiveWindow(editor.get());
-        QVERIFY(QTest::qWaitForWindowActive(editor.get()));
-        auto *box = editor->findChild<QWidget *>(u"unitCost"_s)->findChild<QLineEdit *>();
+        QVERIFY(showActive(editor.get()));
+        const QModelIndex unitCost = cell(editor.get(), 0, u"unitCost");
+        QCOMPARE(unitCost.data().toString(), u"12.50"_s);
+        const int plainHeight = editor->grid()->rowHeight(0);
+        auto *box = qobject_cast<QLineEdit *>(click(editor.get(), unitCost));
+        QVERIFY(box);
         QCOMPARE(box->text(), u"12.50"_s);
-        box->setFocus();
         box->selectAll();
         QTest::keyClick(box, Qt::Key_Backspace);
         QTest::keyClicks(box, typed);
         editor->refresh();
         QCOMPARE(db.get(line.id)->f.value(u"unitCost"_s), stored);
         QCOMPARE(box->text(), typed); // the refresh leaves the box being typed in alone
-        QCOMPARE(editor->findChild<QLabel *>(u"amount"_s)->text(), amount);
-        auto *error = editor->findChild<QLabel *>(u"error"_s);
-        QCOMPARE(error->isVisible(), !errorEnds.isEmpty());
-        if (!errorEnds.isEmpty())
-            QVERIFY2(error->text().endsWith(errorEnds), qPrintable(error->text()));
+        QCOMPARE(QApplication::focusWidget(), box);
+        QCOMPARE(amountShown(editor.get(), 0), amount);
+        const QString errors = editor->model()->rowErrors(0);
+        QCOMPARE(errors.isEmpty(), errorEnds.isEmpty());
+        QVERIFY2(errors.endsWith(errorEnds), qPrintable(errors));
+        if (!errorEnds.isEmpty()) {
+            QVERIFY(errors.startsWith(u"Unit cost: "_s));
+            QVERIFY(editor->grid()->rowHeight(0) > plainHeight); // room for the message under the row
+        }
     }
 
     void moneyErrorClearsWhenFixed()
@@ -157,21 +236,167 @@ private Q_SLOTS:
         const Rec line =
             db.add(u"est_line"_s, p.id, est.id, {{u"qty"_s, u"1"_s}, {u"unitCost"_s, u"1250"_s}});
         auto editor = editorOf(db, u"estimates"_s, est.id);
-        editor->show();
-        QApplication::setActiveWindow(editor.get());
-        QVERIFY(QTest::qWaitForWindowActive(editor.get()));
-        auto *box = editor->findChild<QWidget *>(u"unitCost"_s)->findChild<QLineEdit *>();
-        box->setFocus();
+        QVERIFY(showActive(editor.get()));
+        const QModelIndex unitCost = cell(editor.get(), 0, u"unitCost");
+        auto *box = qobject_cast<QLineEdit *>(click(editor.get(), unitCost));
+        QVERIFY(box);
         box->clear();
         QTest::keyClicks(box, u"12x"_s);
-        QVERIFY(editor->findChild<QLabel *>(u"error"_s)->isVisible());
+        QVERIFY(!editor->model()->rowErrors(0).isEmpty());
         QCOMPARE(db.get(line.id)->f.value(u"unitCost"_s), u"1250"_s);
         QTest::keyClick(box, Qt::Key_Backspace);
-        QVERIFY(!editor->findChild<QLabel *>(u"error"_s)->isVisible());
+        QVERIFY(editor->model()->rowErrors(0).isEmpty());
         QCOMPARE(db.get(line.id)->f.value(u"unitCost"_s), u"1200"_s);
-        // Leaving the box shows the stored amount in its display form.
-        box->clearFocus();
-        QCOMPARE(box->text(), u"12.00"_s);
+        // Leaving the box closes it; the cell shows the stored amount in its display form.
+        editor->grid()->setFocus();
+        QVERIFY(!qobject_cast<QLineEdit *>(QApplication::focusWidget()));
+        editor->refresh();
+        QCOMPARE(unitCost.data().toString(), u"12.00"_s);
+    }
+
+    // A refused amount left behind keeps its message, and the cell shows what was kept.
+    void moneyErrorStaysAfterLeaving()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        db.add(u"est_line"_s, p.id, est.id, {{u"qty"_s, u"1"_s}, {u"unitCost"_s, u"1250"_s}});
+        auto editor = editorOf(db, u"estimates"_s, est.id);
+        QVERIFY(showActive(editor.get()));
+        const QModelIndex unitCost = cell(editor.get(), 0, u"unitCost");
+        auto *box = qobject_cast<QLineEdit *>(click(editor.get(), unitCost));
+        QVERIFY(box);
+        box->clear();
+        QTest::keyClicks(box, u"9,9,9x"_s);
+        QTest::keyClick(box, Qt::Key_Return);
+        editor->grid()->setFocus();
+        editor->refresh();
+        QCOMPARE(unitCost.data().toString(), u"12.50"_s);
+        QVERIFY(editor->model()->rowErrors(0).endsWith(u" Kept $12.50."_s));
+        QVERIFY(!unitCost.data(LinesModel::ErrorRole).toString().isEmpty());
+    }
+
+    // What a closed cell shows for a stored value.
+    void cellShows_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("cents grouped") << u"unitCost"_s << u"123456"_s << u"1,234.56"_s;
+        QTest::newRow("no amount stays empty") << u"unitCost"_s << QString() << QString();
+        QTest::newRow("a number as stored") << u"qty"_s << u"2.5"_s << u"2.5"_s;
+        QTest::newRow("no cost code") << u"costCode"_s << QString() << u"—"_s;
+        QTest::newRow("a code not in the list") << u"costCode"_s << u"gone"_s << u"Choose…"_s;
+        QTest::newRow("text as typed") << u"description"_s << u"Framing "_s << u"Framing "_s;
+    }
+    void cellShows()
+    {
+        QFETCH(QString, key);
+        QFETCH(QString, stored);
+        QFETCH(QString, shown);
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        db.add(u"est_line"_s, p.id, est.id, {{key, stored}});
+        auto editor = editorOf(db, u"estimates"_s, est.id);
+        QCOMPARE(cell(editor.get(), 0, key).data().toString(), shown);
+    }
+
+    // A choice cell opens on a click and stores the pick; the cell then shows its label.
+    void choiceCell()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        const Rec line = db.add(u"est_line"_s, p.id, est.id, {{u"qty"_s, u"1"_s}});
+        const Rec code = db.costCodes().at(1);
+        auto editor = editorOf(db, u"estimates"_s, est.id);
+        QVERIFY(showActive(editor.get()));
+        const QModelIndex costCode = cell(editor.get(), 0, u"costCode");
+        auto *choice = qobject_cast<QComboBox *>(click(editor.get(), costCode));
+        QVERIFY(choice);
+        const int at = choice->findText(db.label(code.id));
+        QVERIFY(at > 0);
+        choice->hidePopup();
+        QMetaObject::invokeMethod(choice, "activated", Q_ARG(int, at));
+        QCOMPARE(db.get(line.id)->f.value(u"costCode"_s), code.id);
+        editor->refresh();
+        QCOMPARE(costCode.data().toString(), db.label(code.id));
+    }
+
+    // A save made elsewhere while a cell is typed in updates the rest of the row only.
+    void refreshWhileTyping()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        const Rec line =
+            db.add(u"est_line"_s, p.id, est.id,
+                   {{u"description"_s, u"Drywall"_s}, {u"qty"_s, u"1"_s}, {u"unitCost"_s, u"100"_s}});
+        auto editor = editorOf(db, u"estimates"_s, est.id);
+        QVERIFY(showActive(editor.get()));
+        auto *box = qobject_cast<QLineEdit *>(click(editor.get(), cell(editor.get(), 0, u"description")));
+        QVERIFY(box);
+        QTest::keyClick(box, Qt::Key_End);
+        QTest::keyClicks(box, u" tape"_s);
+        QTest::keyClick(box, Qt::Key_Left);
+        Rec changed = *db.get(line.id);
+        changed.f.insert(u"qty"_s, u"3"_s);
+        db.save(changed);
+        db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, u"0"_s}}); // lands above the line typed in
+        editor->refresh();
+        QCOMPARE(QApplication::focusWidget(), box);
+        QCOMPARE(box->text(), u"Drywall tape"_s);
+        QCOMPARE(box->cursorPosition(), 11);
+        QCOMPARE(editor->lineIds().size(), 2);
+        const int row = editor->model()->rowOf(line.id);
+        QCOMPARE(amountShown(editor.get(), row), u"$3.00"_s);
+        QTest::keyClicks(box, u"s"_s);
+        QCOMPARE(db.get(line.id)->f.value(u"description"_s), u"Drywall tapse"_s);
+    }
+
+    // Tab walks the cells that take input, on to the next line.
+    void tabWalksCells()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, u"1"_s}});
+        db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, u"2"_s}});
+        auto editor = editorOf(db, u"estimates"_s, est.id);
+        QVERIFY(showActive(editor.get()));
+        QVERIFY(click(editor.get(), cell(editor.get(), 0, u"unitCost")));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QCOMPARE(editor->grid()->currentIndex(), cell(editor.get(), 1, u"description"));
+        QVERIFY(qobject_cast<QLineEdit *>(QApplication::focusWidget()));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+        QCOMPARE(editor->grid()->currentIndex(), cell(editor.get(), 0, u"unitCost"));
+    }
+
+    // A cell opened below the editor's fold scrolls into view.
+    void editedCellScrollsIntoView()
+    {
+        DB db;
+        const Rec p = project(db);
+        const Rec est = db.add(u"estimate"_s, p.id, {}, {});
+        QList<Rec> lines;
+        for (int k = 0; k < 40; ++k)
+            lines.append(db.add(u"est_line"_s, p.id, est.id, {{u"sort"_s, QString::number(k + 1)}}));
+        Nav nav;
+        RecordEditor editor(db, nav, *Modules::get(u"estimates"), est.id);
+        editor.resize(820, 500);
+        QVERIFY(showActive(&editor));
+        auto *lineEditor = editor.findChild<LinesEditor *>();
+        auto *area = editor.findChild<QScrollArea *>();
+        QVERIFY(lineEditor && area);
+        QCOMPARE(area->verticalScrollBar()->value(), 0);
+        QTableView *grid = lineEditor->grid();
+        grid->edit(cell(lineEditor, 39, u"description"));
+        auto *box = qobject_cast<QLineEdit *>(QApplication::focusWidget());
+        QVERIFY(box);
+        QVERIFY(area->verticalScrollBar()->value() > 0);
+        const QRect shown(box->mapTo(area->viewport(), QPoint()), box->size());
+        QVERIFY(area->viewport()->rect().contains(shown));
     }
 
     void photos()

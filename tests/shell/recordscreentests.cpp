@@ -12,6 +12,7 @@
 #include "shell/recordscreenmodel.h"
 #include "store/db.h"
 
+#include <QtTest/QSignalSpy>
 #include <QtWidgets/QTreeView>
 
 using namespace Qt::StringLiterals;
@@ -70,6 +71,45 @@ private Q_SLOTS:
         QTest::keyClicks(screen.searchBox(), needle);
         QCOMPARE(screen.model()->rowCount(), found);
         QCOMPARE(screen.listShown(), found > 0);
+    }
+
+    // Typing narrows the rows already found, erasing widens them again, and a
+    // record saved meanwhile is searched by its new values.
+    void searchFollowsTypingAndSaves()
+    {
+        DB db;
+        Nav nav;
+        company(db);
+        Rec a = db.add(u"expense"_s, {}, {}, {{u"memo"_s, u"Lumber"_s}});
+        Rec b = db.add(u"expense"_s, {}, {}, {{u"ref"_s, u"ACME"_s}});
+        RecordScreen screen({db, nav, mod(u"expenses")});
+        QSignalSpy resets(screen.model(), &QAbstractItemModel::modelReset);
+        QTest::keyClicks(screen.searchBox(), u"l"_s);
+        QCOMPARE(screen.model()->rowCount(), 1);
+        QTest::keyClicks(screen.searchBox(), u"um"_s);
+        QCOMPARE(screen.model()->rowCount(), 1);
+        QCOMPARE(resets.count(), 1); // the same row for "lu" and "lum": no reset
+        QTest::keyClicks(screen.searchBox(), u"x"_s);
+        QCOMPARE(screen.model()->rowCount(), 0);
+        QTest::keyClick(screen.searchBox(), Qt::Key_Backspace);
+        QCOMPARE(screen.model()->rowCount(), 1);
+        QCOMPARE(screen.model()->index(0, 0).data(RecordListModel::IdRole).toString(), a.id);
+
+        b.f.insert(u"memo"_s, u"lumber yard"_s);
+        db.save(b);
+        screen.refresh();
+        QCOMPARE(screen.model()->rowCount(), 2);
+        a.f.insert(u"memo"_s, u"Steel"_s);
+        db.save(a);
+        screen.refresh();
+        QCOMPARE(screen.model()->rowCount(), 1);
+        QCOMPARE(screen.model()->index(0, 0).data(RecordListModel::IdRole).toString(), b.id);
+        QTest::keyClick(screen.searchBox(), Qt::Key_Backspace);
+        QCOMPARE(screen.model()->rowCount(), 1); // "lu": still only the yard
+        screen.searchBox()->selectAll();
+        QTest::keyClick(screen.searchBox(), Qt::Key_Backspace);
+        QCOMPARE(screen.model()->rowCount(), 2);
+        QCOMPARE(screen.model()->rows().at(0).f.value(u"memo"), u"Steel"_s);
     }
 
     void columns_data()

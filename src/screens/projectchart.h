@@ -1,0 +1,44 @@
+#pragma once
+#include "look/chrome.h"
+#include <QtCore/QList>
+
+class QChart;
+class QChartView;
+
+// One group of the chart: a project's name and its three amounts in cents.
+struct ChartGroup
+{
+    QString project;
+    qint64 contract = 0;
+    qint64 billed = 0;
+    qint64 cost = 0;
+    bool operator==(const ChartGroup &) const = default;
+};
+
+// The grouped bar chart "Contract · billed · cost by project": per project
+// three bars side by side, amounts in dollars, the amount axis labelled in
+// the short money form.
+class ProjectChart : public FWPanel
+{
+    Q_OBJECT
+public:
+    explicit ProjectChart(QWidget *parent = nullptr);
+    // Shows these groups; the chart is rebuilt only when they differ from the last.
+    void setGroups(const QList<ChartGroup> &groups);
+    const QList<ChartGroup> &groups() const { return m_groups; }
+    // Every text the chart draws: title, series names and axis labels.
+    QStringList texts() const;
+    QChart *chart() const { return m_chart; }
+
+    // The top of the amount axis and its step, in dollars: a round step of
+    // 1, 2 or 5 times a power of ten, with at most `ticks` steps up to `max`.
+    static std::pair<double, double> niceScale(double max, int ticks = 5);
+
+private:
+    void rebuild();
+    void restyle();
+    QList<ChartGroup> m_groups;
+    QChart *m_chart;
+    QChartView *m_view;
+    bool m_built = false;
+};
