@@ -88,11 +88,12 @@ std::unique_ptr<LongTable> LongTable::take(QTextDocument &doc, QTextTable *table
          style != QTextFrameFormat::BorderStyle_Inset))
         return nullptr;
 
-    // One paragraph per cell, in reading order: as many blocks inside as cells.
+    // One paragraph per cell, in reading order: as many blocks inside as cells
+    // (an empty last cell's paragraph starts at the table's closing mark).
     QList<QTextBlock> blocks;
     blocks.reserve(qsizetype(rows) * cols);
     const int end = table->lastPosition();
-    for (QTextBlock b = doc.findBlock(table->firstPosition()); b.isValid() && b.position() < end;
+    for (QTextBlock b = doc.findBlock(table->firstPosition()); b.isValid() && b.position() <= end;
          b = b.next()) {
         if (blocks.size() == qsizetype(rows) * cols || !plainBlock(b))
             return nullptr;
@@ -110,7 +111,6 @@ std::unique_ptr<LongTable> LongTable::take(QTextDocument &doc, QTextTable *table
         tf.borderBrush().style() == Qt::NoBrush ? QColor(Qt::black) : tf.borderBrush().color();
     t->m_topLeftRule = style == QTextFrameFormat::BorderStyle_Outset ? rule.lighter() : rule;
     t->m_bottomRightRule = style == QTextFrameFormat::BorderStyle_Inset ? rule.lighter() : rule;
-    const QFont base = doc.defaultFont();
     const QTextOption docOption = doc.defaultTextOption();
     QList<double> widest(cols, -1), longestWord(cols, -1);
     QList<int> widestRow(cols, 0), longestWordRow(cols, 0);
@@ -129,7 +129,8 @@ std::unique_ptr<LongTable> LongTable::take(QTextDocument &doc, QTextTable *table
             cell.valign = cf.verticalAlignment() == QTextCharFormat::AlignMiddle   ? 1
                           : cf.verticalAlignment() == QTextCharFormat::AlignBottom ? 2
                                                                                    : 0;
-            cell.text = std::make_unique<QTextLayout>(block.text(), base, device);
+            // The paragraph's own font sizes an empty cell, as it does in Qt.
+            cell.text = std::make_unique<QTextLayout>(block.text(), block.charFormat().font(), device);
             cell.text->setFormats(block.textFormats());
             QTextOption option = docOption;
             const QTextBlockFormat bf = block.blockFormat();
@@ -189,10 +190,10 @@ std::unique_ptr<LongTable> LongTable::take(QTextDocument &doc, QTextTable *table
     return t;
 }
 
-bool LongTable::layout(QAbstractTextDocumentLayout *layout)
+void LongTable::layout(QAbstractTextDocumentLayout *layout)
 {
     if (m_rows.empty())
-        return false;
+        return;
     const int cols = int(m_rows.front().cells.size());
     const qsizetype kept = m_kept.size();
 
@@ -206,7 +207,7 @@ bool LongTable::layout(QAbstractTextDocumentLayout *layout)
         const QTextBlock block = firstBlock(*m_table, 0, c);
         const QTextLayout *tl = block.layout();
         if (!tl || tl->lineCount() == 0)
-            return false;
+            return;
         textLeft[c] = fx(layout->blockBoundingRect(block).left());
         textWidth[c] = fx(tl->lineAt(0).width());
         leading = tl->lineAt(0).leadingIncluded();
@@ -285,7 +286,7 @@ bool LongTable::layout(QAbstractTextDocumentLayout *layout)
     const double lost = pt(y - keptBottom);
 
     if (lost == m_lost)
-        return false;
+        return;
     // A fixed line height is given in those screen pixels too.
     QTextBlockFormat spacer;
     spacer.setLineHeight(lost / scale, QTextBlockFormat::FixedHeight);
@@ -296,7 +297,6 @@ bool LongTable::layout(QAbstractTextDocumentLayout *layout)
         QTextCursor(block).setBlockFormat(spacer);
     doc->setUndoRedoEnabled(undo);
     m_lost = lost;
-    return true;
 }
 
 QList<LongTable::RowSpan> LongTable::rowSpans() const

@@ -39,14 +39,13 @@ public:
 
     QTextTable *table() const { return m_table; }
 
-    // Sets every row at the columns Qt gave the kept rows; call after Qt has
-    // laid the document out for a new width. Returns whether the document's
-    // height changed, so it must be laid out again.
-    bool layout(QAbstractTextDocumentLayout *layout);
+    // Sets every row at the columns Qt gave the kept rows, once the document
+    // has a new width, and sizes the kept table to match.
+    void layout(QAbstractTextDocumentLayout *layout);
 
     struct RowSpan
     {
-        double top = 0, bottom = 0;         // rule to rule, as the page breaks count a row
+        double top = 0, bottom = 0;         // its lines with padding and border, as any table row is counted
         QList<QPair<double, double>> lines; // every line of its cells
     };
     // The rows, in document points, once laid out.
@@ -66,8 +65,7 @@ private:
     {
         std::unique_ptr<QTextLayout> text;
         QBrush fill;
-        int valign = 0; // 0 top, 1 middle, 2 bottom
-        double height = 0;
+        int valign = 0;    // 0 top, 1 middle, 2 bottom
         double offset = 0; // of its text from the row's top
     };
     struct Row

@@ -371,26 +371,25 @@ void PagedDocument::paintText(QPainter &painter, int index) const
     QAbstractTextDocumentLayout *layout = m_doc->documentLayout();
     QList<QPair<double, double>> spans = {{start, end}};
     for (const auto &table : m_long) {
-        const QRectF frame = layout->frameBoundingRect(table->table());
-        const double from = std::min(frame.top(), table->top()),
-                     to = std::max(frame.bottom(), table->bottom());
         QList<QPair<double, double>> rest;
         for (const auto &[top, bottom] : spans) {
-            if (from > top)
-                rest.append({top, std::min(bottom, from)});
-            if (to < bottom)
-                rest.append({std::max(top, to), bottom});
+            if (table->top() > top)
+                rest.append({top, std::min(bottom, table->top())});
+            if (table->bottom() < bottom)
+                rest.append({std::max(top, table->bottom()), bottom});
         }
         spans = rest;
     }
     for (const auto &[top, bottom] : spans) {
-        if (bottom - top <= 1)
-            continue;
-        const double clipTop = top == start ? start - 1 : top, clipBottom = bottom == end ? end + 1 : bottom;
-        painter.setClipRect(QRectF(-kSide, clipTop, m_pageSize.width(), clipBottom - clipTop));
+        const bool first = top == start, last = bottom == end;
         QAbstractTextDocumentLayout::PaintContext ctx;
-        ctx.clip = QRectF(-kSide, top, m_pageSize.width(), bottom - top).adjusted(0, 0.5, 0, -0.5);
+        ctx.clip = QRectF(-kSide, top, m_pageSize.width(), bottom - top)
+                       .adjusted(0, first ? 0.5 : 0, 0, last ? -0.5 : 0);
+        if (!(ctx.clip.height() > 0))
+            continue; // an empty clip would draw everything
         ctx.palette.setColor(QPalette::Text, Qt::black);
+        painter.setClipRect(QRectF(-kSide, first ? top - 1 : top, m_pageSize.width(),
+                                   bottom - top + (first ? 1 : 0) + (last ? 1 : 0)));
         layout->draw(&painter, ctx);
     }
     painter.setClipRect(slice.adjusted(0, -1, 0, 1));

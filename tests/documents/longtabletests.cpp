@@ -21,16 +21,17 @@ using namespace Qt::StringLiterals;
 namespace {
 constexpr double kDpi = 150;
 
-// A list log's table: a tinted header, the grid, a right-aligned amount.
+// A list log's table: a tinted header, the grid, a right-aligned amount,
+// left empty now and then.
 QString logTable(int rows, const QString &extraCell = {})
 {
     QString html = u"<p>Log</p><table width='100%' border=1 cellspacing=0 cellpadding=4 "
                    u"style='border-collapse:collapse'><tr style='background:#e8e8ee'><th align=left>Date</th>"
                    u"<th align=left>Worker</th><th align=right>Amount</th></tr>"_s;
     for (int r = 1; r <= rows; ++r)
-        html += u"<tr><td>Jun %1, 2026</td><td>%2</td><td align=right>%3.00</td></tr>"_s.arg(r % 28 + 1)
+        html += u"<tr><td>Jun %1, 2026</td><td>%2</td><td align=right>%3</td></tr>"_s.arg(r % 28 + 1)
                     .arg(r % 7 ? u"Ann Smith"_s : u"Maximilian Fitzgerald-Ackerly"_s)
-                    .arg(r * 37);
+                    .arg(r % 5 ? QString::number(r * 37) + u".00"_s : QString());
     return html + extraCell + u"</table><p>End of log</p>"_s;
 }
 
