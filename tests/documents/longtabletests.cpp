@@ -55,6 +55,24 @@ QString tallRows(int rows)
     return html + u"</table><p>After the table</p>"_s;
 }
 
+// Mixed formatting inside cells, tinted rows, a solid grid, and the widest
+// cell and longest word of a column only in the last rows.
+QString richRows(int rows)
+{
+    QString html =
+        u"<table width='100%' border=1 cellspacing=0 cellpadding=3 "
+        u"style='border-collapse:collapse;border-style:solid'><tr><th>No.</th><th>Text</th></tr>"_s;
+    for (int r = 1; r <= rows; ++r) {
+        const QString text = r == rows ? u"a closing remark, much the longest of them all, that runs on"_s
+                             : r == rows - 1 ? u"Antidisestablishmentarianism"_s
+                                             : u"<b>bold</b> and <i>plain</i> words %1"_s.arg(r);
+        html += u"<tr%1><td>%2</td><td>%3</td></tr>"_s.arg(r % 2 ? QString() : u" bgcolor='#f0f0f0'"_s)
+                    .arg(r)
+                    .arg(text);
+    }
+    return html + u"</table><h2>Next part</h2>"_s;
+}
+
 QImage blankPage(const QSizeF &points)
 {
     QImage image((points * kDpi / 72).toSize(), QImage::Format_ARGB32_Premultiplied);
@@ -141,6 +159,7 @@ private Q_SLOTS:
         QTest::newRow("list log") << logTable(130) << false;
         QTest::newRow("list log, landscape") << logTable(130) << true;
         QTest::newRow("wrapped, broken and centred cells") << tallRows(60) << false;
+        QTest::newRow("rich cells, widest last") << richRows(90) << false;
     }
     void pagesLookAsQtDrawsThem()
     {
