@@ -20,8 +20,9 @@ class QTextTable;
 // the text out once at the page's text width (in points) and cuts it into
 // pages itself: text breaks between lines, and a table row that does not fit
 // moves whole to the next page unless it starts within 24 pt of the page top
-// or is taller than a page, in which case it is cut. A plan sheet gives one
-// page per page of its PDF file.
+// or is taller than a page, in which case it is cut. Long plain tables are
+// set and painted by LongTable rather than Qt, which is slow on them. A plan
+// sheet gives one page per page of its PDF file.
 class PagedDocument
 {
 public:
