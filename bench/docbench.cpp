@@ -1,5 +1,7 @@
 #include "docbench.h"
 
+#include "benchutil.h"
+
 #include "catalog/modules.h"
 #include "documents/doctemplates.h"
 #include "documents/pageddocument.h"
@@ -14,28 +16,10 @@
 
 #include <QtGui/QTextDocument>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace {
 constexpr double kLog200TargetMs = 200, kLog2000TargetMs = 1500, kPayTargetMs = 300;
-
-template<class Fn> void figure(QTextStream &out, int runs, const QString &name, const QString &note, Fn &&fn)
-{
-    std::vector<double> ms;
-    for (int k = 0; k < runs; ++k) {
-        QElapsedTimer t;
-        t.start();
-        fn();
-        ms.push_back(double(t.nsecsElapsed()) / 1e6);
-    }
-    std::sort(ms.begin(), ms.end());
-    const size_t n = ms.size();
-    const double median = n % 2 ? ms[n / 2] : (ms[n / 2 - 1] + ms[n / 2]) / 2;
-    out << name << ": " << QString::number(median, 'f', 1) << " ms (" << QString::number(ms.front(), 'f', 1)
-        << u'–' << QString::number(ms.back(), 'f', 1) << ")  " << note << Qt::endl;
-}
 
 // Where the 2,000-row log's time goes, once: import, layout with the page
 // breaks, and drawing every page into the PDF.
@@ -70,11 +54,11 @@ void runDocBench(const DB &db, int runs, QTextStream &out)
         for (const auto &[rows, target] :
              {std::pair{200, kLog200TargetMs}, std::pair{2000, kLog2000TargetMs}}) {
             const QList<Rec> some = cards.mid(0, rows);
-            figure(out, runs, u"list log to PDF, %1 rows"_s.arg(some.size()), u"target < %1 ms"_s.arg(target),
-                   [&] {
-                       const QString html = PrintReports::listHTML(db, *def, some, std::nullopt);
-                       PDFOut::saveHTML(db, html, dir.filePath(u"log.pdf"_s));
-                   });
+            Bench::figure(out, runs, u"list log to PDF, %1 rows"_s.arg(some.size()),
+                          u"target < %1 ms"_s.arg(target), [&] {
+                              const QString html = PrintReports::listHTML(db, *def, some, std::nullopt);
+                              PDFOut::saveHTML(db, html, dir.filePath(u"log.pdf"_s));
+                          });
         }
         stages(out, db, *def, cards.mid(0, 2000), dir.filePath(u"stages.pdf"_s));
     }
@@ -90,7 +74,8 @@ void runDocBench(const DB &db, int runs, QTextStream &out)
         }
     }
     if (app)
-        figure(out, runs, u"G702/G703 to PDF"_s,
-               u"[%1 schedule lines]  target < %2 ms"_s.arg(best).arg(kPayTargetMs),
-               [&] { PDFOut::saveHTML(db, PrintReports::payHTML(db, *app), dir.filePath(u"pay.pdf"_s)); });
+        Bench::figure(out, runs, u"G702/G703 to PDF"_s,
+                      u"[%1 schedule lines]  target < %2 ms"_s.arg(best).arg(kPayTargetMs), [&] {
+                          PDFOut::saveHTML(db, PrintReports::payHTML(db, *app), dir.filePath(u"pay.pdf"_s));
+                      });
 }

@@ -1,6 +1,7 @@
 #include "pageddocument.h"
 
 #include "doctemplates.h"
+#include "longtable.h"
 #include "pdfpages.h"
 #include "pdfwrite.h"
 #include "printengine.h"
@@ -175,6 +176,9 @@ void PagedDocument::prepare()
     PrintEngine::blackOnWhite(*m_doc);
     m_doc->setDocumentMargin(0);
     m_doc->documentLayout()->setPaintDevice(pointDevice());
+    for (QTextFrame *frame : m_doc->rootFrame()->childFrames())
+        if (auto table = LongTable::take(*m_doc, qobject_cast<QTextTable *>(frame), pointDevice()))
+            m_long.push_back(std::move(table));
 }
 
 PagedDocument::~PagedDocument() = default;
@@ -198,6 +202,8 @@ void PagedDocument::layout(const QSizeF &pageSize)
     if (!m_doc)
         return;
     m_doc->setPageSize(QSizeF(std::max(1.0, pageSize.width() - 2 * kSide), -1));
+    for (const auto &table : m_long)
+        table->layout(m_doc->documentLayout());
     paginate();
 }
 
@@ -237,6 +243,16 @@ void PagedDocument::paginate()
     breakPages();
 }
 
+const LongTable *PagedDocument::longTable(const QTextTable *table) const
+{
+    if (!table)
+        return nullptr;
+    for (const auto &own : m_long)
+        if (own->table() == table)
+            return own.get();
+    return nullptr;
+}
+
 void PagedDocument::breakPages()
 {
     m_starts = {0};
@@ -246,6 +262,11 @@ void PagedDocument::breakPages()
     for (auto it = m_doc->rootFrame()->begin(); !it.atEnd(); ++it) {
         QTextFrame *frame = it.currentFrame();
         auto *table = qobject_cast<QTextTable *>(frame);
+        if (const LongTable *own = longTable(table)) {
+            for (const LongTable::RowSpan &row : own->rowSpans())
+                units.append({row.top, row.bottom, true, row.lines});
+            continue;
+        }
         if (!table) {
             QList<QPair<double, double>> lines;
             if (frame)
@@ -344,10 +365,37 @@ void PagedDocument::paintText(QPainter &painter, int index) const
     // slice, keeps the lines touching its edges out of this page's text.
     const QRectF slice(-kSide, start, m_pageSize.width(), end - start);
     painter.setClipRect(slice.adjusted(0, -1, 0, 1));
-    QAbstractTextDocumentLayout::PaintContext ctx;
-    ctx.clip = slice.adjusted(0, 0.5, 0, -0.5);
-    ctx.palette.setColor(QPalette::Text, Qt::black);
-    m_doc->documentLayout()->draw(&painter, ctx);
+    // Qt draws the page's slice less the long tables, which are drawn here;
+    // each of its pieces is clipped to itself, since Qt would also draw the
+    // rows it still holds of those tables.
+    QAbstractTextDocumentLayout *layout = m_doc->documentLayout();
+    QList<QPair<double, double>> spans = {{start, end}};
+    for (const auto &table : m_long) {
+        QList<QPair<double, double>> rest;
+        for (const auto &[top, bottom] : spans) {
+            if (table->top() > top)
+                rest.append({top, std::min(bottom, table->top())});
+            if (table->bottom() < bottom)
+                rest.append({std::max(top, table->bottom()), bottom});
+        }
+        spans = rest;
+    }
+    for (const auto &[top, bottom] : spans) {
+        const bool first = top == start, last = bottom == end;
+        QAbstractTextDocumentLayout::PaintContext ctx;
+        ctx.clip = QRectF(-kSide, top, m_pageSize.width(), bottom - top)
+                       .adjusted(0, first ? 0.5 : 0, 0, last ? -0.5 : 0);
+        if (!(ctx.clip.height() > 0))
+            continue; // an empty clip would draw everything
+        ctx.palette.setColor(QPalette::Text, Qt::black);
+        painter.setClipRect(QRectF(-kSide, first ? top - 1 : top, m_pageSize.width(),
+                                   bottom - top + (first ? 1 : 0) + (last ? 1 : 0)));
+        layout->draw(&painter, ctx);
+    }
+    painter.setClipRect(slice.adjusted(0, -1, 0, 1));
+    painter.setPen(Qt::black);
+    for (const auto &table : m_long)
+        table->paint(painter, start, end);
     painter.restore();
 }
 

@@ -7,18 +7,22 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 class DB;
+class LongTable;
 class PdfPages;
 class QPainter;
 class QTextDocument;
+class QTextTable;
 
 // The one paged engine behind printing, the preview and saved PDFs. It lays
 // the text out once at the page's text width (in points) and cuts it into
 // pages itself: text breaks between lines, and a table row that does not fit
 // moves whole to the next page unless it starts within 24 pt of the page top
-// or is taller than a page, in which case it is cut. A plan sheet gives one
-// page per page of its PDF file.
+// or is taller than a page, in which case it is cut. Long plain tables are
+// set and painted by LongTable rather than Qt, which is slow on them. A plan
+// sheet gives one page per page of its PDF file.
 class PagedDocument
 {
 public:
@@ -57,7 +61,8 @@ public:
     QString title() const { return m_title; }
     // Whether a plan sheet's first page is wider than tall, so it prints landscape.
     bool prefersLandscape() const;
-    // The black-on-white text being paged; null for a plan sheet.
+    // The black-on-white text being paged, its long tables cut down to the
+    // rows Qt needs to size their columns; null for a plan sheet.
     const QTextDocument *document() const { return m_doc.get(); }
     // Where each page starts in the laid-out text, in points from its top.
     const QList<double> &pageStarts() const { return m_starts; }
@@ -71,6 +76,7 @@ private:
     void prepare();
     void paginate();
     void breakPages();
+    const LongTable *longTable(const QTextTable *table) const;
     void paintText(QPainter &painter, int index) const;
     void paintSheet(QPainter &painter, int index) const;
     void paintFrame(QPainter &painter, int index) const;
@@ -81,5 +87,6 @@ private:
     QSizeF m_pageSize;
     std::unique_ptr<QTextDocument> m_doc;
     std::unique_ptr<PdfPages> m_pdf;
-    QList<double> m_starts; // one per page, ascending
+    std::vector<std::unique_ptr<LongTable>> m_long; // long tables set and painted here, not by Qt
+    QList<double> m_starts;                         // one per page, ascending
 };
