@@ -9,6 +9,7 @@
 #include "documents/pdfwrite.h"
 #include "documents/printreports.h"
 #include "store/db.h"
+#include "store/rec.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTemporaryDir>
@@ -62,20 +63,46 @@ void runDocBench(const DB &db, int runs, QTextStream &out)
         }
         stages(out, db, *def, cards.mid(0, 2000), dir.filePath(u"stages.pdf"_s));
     }
-    // The application whose project's schedule of values is nearest 50 lines.
+    // The application with the longest schedule of values, copied with its
+    // project into a store of its own and its schedule made up to 50 lines.
     std::optional<Rec> app;
-    qsizetype best = -1;
+    qsizetype longest = -1;
     for (const Rec &p : db.list(u"project"_s)) {
         const qsizetype n = db.count(u"sov_line"_s, {.project = p.id});
         const QList<Rec> apps = db.list(u"pay_app"_s, {.project = p.id});
-        if (!apps.isEmpty() && (best < 0 || std::abs(n - 50) < std::abs(best - 50))) {
-            best = n;
+        if (!apps.isEmpty() && n > longest) {
+            longest = n;
             app = apps.last();
         }
     }
+    DB fifty;
+    qsizetype best = 0;
+    if (app) {
+        QList<Rec> copies;
+        if (const std::optional<Rec> c = db.company())
+            copies.append(*c);
+        if (const std::optional<Rec> p = db.get(app->project))
+            copies.append(*p);
+        for (const QString &kind : {u"change_order"_s, u"pay_app"_s})
+            copies.append(db.list(kind, {.project = app->project}));
+        for (const Rec &a : db.list(u"pay_app"_s, {.project = app->project}))
+            copies.append(db.list(u"pay_line"_s, {.parent = a.id}));
+        const QList<Rec> sov = db.list(u"sov_line"_s, {.project = app->project});
+        copies.append(sov);
+        for (qsizetype i = sov.size(); i < 50 && !sov.isEmpty(); ++i) {
+            Rec extra = sov.at(i % sov.size());
+            extra.id = newID();
+            extra.f.insert(u"item"_s, QString::number(i + 1));
+            extra.f.insert(u"sort"_s, QString::number(i + 1));
+            copies.append(extra);
+        }
+        fifty.saveAll(copies);
+        fifty.setCompanyID(db.companyID());
+        best = fifty.count(u"sov_line"_s, {.project = app->project});
+    }
     if (app)
-        Bench::figure(out, runs, u"G702/G703 to PDF"_s,
-                      u"[%1 schedule lines]  target < %2 ms"_s.arg(best).arg(kPayTargetMs), [&] {
-                          PDFOut::saveHTML(db, PrintReports::payHTML(db, *app), dir.filePath(u"pay.pdf"_s));
-                      });
+        Bench::figure(
+            out, runs, u"G702/G703 to PDF"_s,
+            u"[%1 schedule lines]  target < %2 ms"_s.arg(best).arg(kPayTargetMs),
+            [&] { PDFOut::saveHTML(fifty, PrintReports::payHTML(fifty, *app), dir.filePath(u"pay.pdf"_s)); });
 }
