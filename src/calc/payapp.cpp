@@ -73,6 +73,11 @@ struct ProjectData
     QList<Rec> sov;
     Calc::ContractSummary contract;
     QHash<QString, QList<Rec>> linesByApp; // pay lines by application id, filled on demand
+    // Line 6 of applications already worked out, so a chain is walked once however
+    // many of its applications are asked for. Line 6 rests only on an application's
+    // own lines and the work billed before it, never on line 7, so a figure worked
+    // out at any depth is the same at every other.
+    QHash<QString, qint64> l6Done;
 
     const QList<Rec> &linesOf(const DB &db, const QString &appId)
     {
@@ -99,8 +104,10 @@ PayAppData compute(const DB &db, ProjectData &pd, const Rec &pa, int depth)
             previous = &app;
     }
     qint64 previousL6 = 0;
-    if (previous && depth < kMaxDepth)
-        previousL6 = compute(db, pd, *previous, depth + 1).calc.g702.l6;
+    if (previous && depth < kMaxDepth) {
+        const auto done = pd.l6Done.constFind(previous->id);
+        previousL6 = done != pd.l6Done.cend() ? *done : compute(db, pd, *previous, depth + 1).calc.g702.l6;
+    }
 
     QHash<QString, const Rec *> current;
     const QList<Rec> ownLines = pd.linesOf(db, pa.id); // a copy: the cache may grow below
@@ -136,25 +143,42 @@ PayAppData compute(const DB &db, ProjectData &pd, const Rec &pa, int depth)
     data.calc = Calc::payApp(lines, pa.d(u"retWork"), pa.d(u"retMat"), pd.project.i(u"contract"),
                              pd.contract.approved, previousL6);
     data.sov = pd.sov;
+    pd.l6Done.insert(pa.id, data.calc.g702.l6);
     return data;
+}
+
+ProjectData projectData(const DB &db, const QString &projectId)
+{
+    ProjectData pd;
+    if (std::optional<Rec> project = db.get(projectId)) {
+        pd.project = *project;
+        pd.hasProject = true;
+    } else {
+        pd.project.kind = u"project"_s; // a missing project reads as all zeros
+    }
+    pd.apps = db.list(u"pay_app"_s, {.project = projectId});
+    pd.sov = db.list(u"sov_line"_s, {.project = projectId});
+    if (pd.hasProject)
+        pd.contract = contract(db, pd.project);
+    return pd;
 }
 
 } // namespace
 
 PayAppData payAppData(const DB &db, const Rec &payApp, int depth)
 {
-    ProjectData pd;
-    if (std::optional<Rec> project = db.get(payApp.project)) {
-        pd.project = *project;
-        pd.hasProject = true;
-    } else {
-        pd.project.kind = u"project"_s; // a missing project reads as all zeros
-    }
-    pd.apps = db.list(u"pay_app"_s, {.project = payApp.project});
-    pd.sov = db.list(u"sov_line"_s, {.project = payApp.project});
-    if (pd.hasProject)
-        pd.contract = contract(db, pd.project);
+    ProjectData pd = projectData(db, payApp.project);
     return compute(db, pd, payApp, depth);
+}
+
+QHash<QString, PayAppData> payAppDataOfProject(const DB &db, const QString &projectId)
+{
+    ProjectData pd = projectData(db, projectId);
+    QHash<QString, PayAppData> out;
+    for (const Rec &app : std::as_const(pd.apps)) {
+        out.insert(app.id, compute(db, pd, app, 0));
+    }
+    return out;
 }
 
 void setPayLine(DB &db, const Rec &payApp, const QString &sovId, std::optional<qint64> thisPeriod,

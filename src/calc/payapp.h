@@ -76,6 +76,8 @@ struct PayAppData
 
 // Figures of a pay application, chained through the earlier ones (depth: 0 from outside).
 PayAppData payAppData(const DB &db, const Rec &payApp, int depth = 0);
+// The figures of every application of a project by id, the chain walked once.
+QHash<QString, PayAppData> payAppDataOfProject(const DB &db, const QString &projectId);
 // Writes this period and/or stored for one schedule line; absent amounts are left alone.
 void setPayLine(DB &db, const Rec &payApp, const QString &sovId, std::optional<qint64> thisPeriod,
                 std::optional<qint64> stored);

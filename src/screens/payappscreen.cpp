@@ -243,13 +243,16 @@ void PayAppScreen::refresh()
         delete it.value();
         it = m_rows.erase(it);
     }
+    // Every row's payment due from one walk of the chain.
+    const QHash<QString, PayAppData> figures =
+        list.isEmpty() ? QHash<QString, PayAppData>() : payAppDataOfProject(m_db, list.first().project);
     for (const Rec &app : list) {
         PayAppRow *row = m_rows.value(app.id);
         if (!row) {
             row = new PayAppRow([this, id = app.id] { select(id); }, m_list);
             m_rows.insert(app.id, row);
         }
-        row->show(app, payAppData(m_db, app).calc.g702.l8, current && current->id == app.id);
+        row->show(app, figures.value(app.id).calc.g702.l8, current && current->id == app.id);
     }
     if (order != m_order) {
         for (const QString &id : order)

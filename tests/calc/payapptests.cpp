@@ -196,6 +196,44 @@ private Q_SLOTS:
             }
         }
     }
+
+    // Reading a whole project at once gives each application exactly what reading
+    // it alone gives, also where the depth guard cuts a chain of 205 applications.
+    void wholeProjectMatchesOneByOne_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<bool>("shuffled");
+        QTest::newRow("short, in order") << 6 << false;
+        QTest::newRow("short, listed out of order") << 9 << true;
+        QTest::newRow("past the guard") << 205 << true;
+    }
+
+    void wholeProjectMatchesOneByOne()
+    {
+        QFETCH(int, count);
+        QFETCH(bool, shuffled);
+        QRandomGenerator rng(count);
+        Job job(2);
+        QList<int> numbers;
+        for (int k = 1; k <= count; ++k)
+            numbers.insert(shuffled ? rng.bounded(int(numbers.size()) + 1) : numbers.size(), k);
+        for (int number : numbers) {
+            const Rec app = job.app(number, 5, 0);
+            job.bill(app, rng.bounded(2), rng.bounded(1, 500));
+        }
+        const QHash<QString, PayAppData> all = payAppDataOfProject(job.db, job.project.id);
+        const QList<Rec> apps = job.db.list(u"pay_app"_s, {.project = job.project.id});
+        QCOMPARE(all.size(), apps.size());
+        qint64 paid = 0;
+        for (int number = 1; number <= count; ++number)
+            for (const Rec &app : apps)
+                if (app.i(u"number") == number) {
+                    const Calc::G702 alone = payAppData(job.db, app).calc.g702;
+                    QCOMPARE(all.value(app.id).calc.g702, alone);
+                    paid += alone.l8;
+                    QCOMPARE(paid, alone.l6);
+                }
+    }
 };
 
 TRESTLE_TEST(PayAppTests);
