@@ -5,6 +5,7 @@
 
 #include <QtCore/QRegularExpression>
 #include <QtGui/QTextDocument>
+#include <QtGui/QTextOption>
 
 using namespace Qt::StringLiterals;
 
@@ -54,6 +55,11 @@ QString shellHTML(const QString &body)
 std::unique_ptr<QTextDocument> attributed(const DB &db, const QString &body)
 {
     auto doc = std::make_unique<QTextDocument>();
+    // Qt's default may break inside a word, which lets a crowded table squeeze a
+    // column below its widest amount and split "$352,784.93" over two lines.
+    QTextOption option = doc->defaultTextOption();
+    option.setWrapMode(QTextOption::WordWrap);
+    doc->setDefaultTextOption(option);
     doc->setHtml(shellHTML(body));
     PrintLogo::attach(db, *doc);
     return doc;

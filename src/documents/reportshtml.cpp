@@ -1,8 +1,10 @@
 #include "reportshtml.h"
 
 #include "calc/datefmt.h"
+#include "calc/fmt.h"
 #include "calc/money.h"
 #include "calc/totals.h"
+#include "catalog/modules.h"
 #include "pdfout.h"
 #include "printreports.h"
 #include "store/db.h"
@@ -16,6 +18,19 @@ qint64 margin(const ProjectFigures &f)
 {
     return Money::sub(f.contract.revised, f.budget);
 }
+
+// A field as its module shows it: a choice reads by its label ("Owner", not
+// the stored "owner"), as it does on screen and in the list logs.
+QString shown(const DB &db, QStringView module, const Rec &rec, QStringView key)
+{
+    const ModuleDef *def = Modules::get(module);
+    const FD *fd = def ? def->field(key) : nullptr;
+    return fd ? Fmt::value(db, rec, *fd) : rec.f.value(key.toString());
+}
+
+// Nine columns of money do not fit a Letter page at the body size: a smaller
+// size keeps every amount on one line.
+constexpr double kWipPt = 8;
 } // namespace
 
 namespace PrintReports {
@@ -36,7 +51,7 @@ QString wipHTML(const DB &db)
     return PDFOut::header(db, u"Work in Progress Report"_s, std::nullopt) + dateLine() +
            PDFOut::table({u"Number"_s, u"Project"_s, u"Revised contract"_s, u"Billed"_s, u"% billed"_s,
                           u"Retainage"_s, u"Paid"_s, u"Cost to date"_s, u"Projected margin"_s},
-                         rows, {2, 3, 4, 5, 6, 7, 8});
+                         rows, {2, 3, 4, 5, 6, 7, 8}, kWipPt);
 }
 
 QString projectReport(const DB &db, const Rec &project)
@@ -64,8 +79,8 @@ QString projectReport(const DB &db, const Rec &project)
     if (!cos.isEmpty()) {
         QList<QStringList> coRows;
         for (const Rec &co : cos)
-            coRows.append({co.f.value(u"number"_s), co.f.value(u"title"_s), co.f.value(u"kind"_s),
-                           co.f.value(u"status"_s), Money::fmt(coTotals(db, co).total)});
+            coRows.append({co.f.value(u"number"_s), co.f.value(u"title"_s), shown(db, u"cos", co, u"kind"),
+                           shown(db, u"cos", co, u"status"), Money::fmt(coTotals(db, co).total)});
         out += u"<h3>Change orders</h3>"_s +
                PDFOut::table({u"#"_s, u"Title"_s, u"Type"_s, u"Status"_s, u"Total"_s}, coRows, {4});
     }
@@ -82,7 +97,8 @@ QString projectReport(const DB &db, const Rec &project)
     QList<QStringList> punch;
     for (const Rec &r : db.list(u"punch"_s, inProject))
         if (r.f.value(u"status"_s) != u"Closed")
-            punch.append({r.f.value(u"title"_s), r.f.value(u"location"_s), r.f.value(u"status"_s)});
+            punch.append(
+                {r.f.value(u"title"_s), r.f.value(u"location"_s), shown(db, u"punch", r, u"status")});
     if (!punch.isEmpty())
         out += u"<h3>Open punch items</h3>"_s + PDFOut::table({u"Item"_s, u"Location"_s, u"Status"_s}, punch);
     return out;
