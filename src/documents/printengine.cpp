@@ -6,6 +6,8 @@
 #include <QtGui/QTextFrame>
 #include <QtGui/QTextTable>
 
+#include <algorithm>
+
 namespace PrintEngine {
 
 namespace {
@@ -15,6 +17,16 @@ constexpr double kPaleFill = 0.8;   // fills darker than this are dropped
 bool darkFill(const QTextFormat &format)
 {
     return format.hasProperty(QTextFormat::BackgroundBrush) && lum(format.background().color()) < kPaleFill;
+}
+
+// Whether a cell shows anything but blanks; a fill with nothing on it is a
+// drawing (a schedule's bar), not a backdrop to text, and prints as it is.
+bool holdsText(const QTextTableCell &cell)
+{
+    QTextCursor c = cell.firstCursorPosition();
+    c.setPosition(cell.lastCursorPosition().position(), QTextCursor::KeepAnchor);
+    const QString text = c.selectedText();
+    return std::any_of(text.cbegin(), text.cend(), [](QChar ch) { return !ch.isSpace(); });
 }
 
 void cleanTables(QTextFrame *frame)
@@ -32,7 +44,7 @@ void cleanTables(QTextFrame *frame)
                         continue; // a spanned cell, reached at its origin
                     QTextTableCell cell = table->cellAt(r, c);
                     QTextCharFormat cf = cell.format();
-                    if (darkFill(cf)) {
+                    if (darkFill(cf) && holdsText(cell)) {
                         cf.clearBackground();
                         cell.setFormat(cf);
                     }

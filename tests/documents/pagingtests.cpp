@@ -207,13 +207,15 @@ private Q_SLOTS:
         const auto doc = DocTemplates::attributed(
             db,
             u"<table border=1><tr style='background:#e8e8ee'><th>Head</th></tr><tr><td bgcolor='#202040'>"
-            u"<span style='color:#ffffff'>Night</span></td></tr></table><p><span style='color:rgba(255,255,"
-            u"255,0.01)'>ghost</span></p>"_s);
+            u"<span style='color:#ffffff'>Night</span></td></tr><tr><td bgcolor='#555555'>&nbsp;</td></tr>"
+            u"</table><p><span style='color:rgba(255,255,255,0.01)'>ghost</span></p>"_s);
         PrintEngine::blackOnWhite(*doc);
         auto *table = qobject_cast<QTextTable *>(doc->rootFrame()->childFrames().value(0));
         QVERIFY(table);
         QCOMPARE(table->cellAt(0, 0).format().background().color(), QColor(u"#e8e8ee"_s));
         QCOMPARE(table->cellAt(1, 0).format().background().style(), Qt::NoBrush);
+        // A dark cell with nothing on it is a chart's bar and keeps its fill.
+        QCOMPARE(table->cellAt(2, 0).format().background().color(), QColor(u"#555555"_s));
         QTextCursor night = doc->find(u"Night"_s);
         QCOMPARE(night.charFormat().foreground().color(), QColor(Qt::black));
         // Nearly transparent counts as dark: the text keeps its colour.
