@@ -47,9 +47,40 @@ QString separateRules(QString html)
 }
 } // namespace
 
+// Qt reads a margin given in points as none at all. The layout's unit is the
+// point (a 72-dpi writer), so the same number in pixels is the size meant.
+// Only style attributes are touched, never the text a user typed.
+QString marginsInPoints(const QString &html)
+{
+    static const QRegularExpression style(u"style\\s*=\\s*('[^']*'|\"[^\"]*\")"_s);
+    static const QRegularExpression margin(u"(margin(?:-top|-bottom|-left|-right)?\\s*:[^;]*)"_s);
+    static const QRegularExpression points(u"(\\d+(?:\\.\\d+)?)pt\\b"_s);
+    QString out;
+    qsizetype last = 0;
+    for (auto it = style.globalMatch(html); it.hasNext();) {
+        const QRegularExpressionMatch m = it.next();
+        QString attr = m.captured(0);
+        if (attr.contains(u"margin"_s)) {
+            QString fixed;
+            qsizetype at = 0;
+            for (auto d = margin.globalMatch(attr); d.hasNext();) {
+                const QRegularExpressionMatch decl = d.next();
+                fixed += QStringView(attr).mid(at, decl.capturedStart(0) - at);
+                fixed += QString(decl.captured(0)).replace(points, u"\\1px"_s);
+                at = decl.capturedEnd(0);
+            }
+            attr = fixed + QStringView(attr).mid(at);
+        }
+        out += QStringView(html).mid(last, m.capturedStart(0) - last);
+        out += attr;
+        last = m.capturedEnd(0);
+    }
+    return out + QStringView(html).mid(last);
+}
+
 QString shellHTML(const QString &body)
 {
-    return kHead + separateRules(rowBackgrounds(body)) + kTail;
+    return kHead + marginsInPoints(separateRules(rowBackgrounds(body))) + kTail;
 }
 
 std::unique_ptr<QTextDocument> attributed(const DB &db, const QString &body)

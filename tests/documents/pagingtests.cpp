@@ -6,6 +6,7 @@
 #include "testmain.h"
 
 #include <QtCore/QRegularExpression>
+#include <QtGui/QAbstractTextDocumentLayout>
 #include <QtGui/QTextBlock>
 #include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
@@ -240,6 +241,31 @@ private Q_SLOTS:
                     QVERIFY(!b.blockFormat().hasProperty(QTextFormat::BlockTrailingHorizontalRulerWidth));
                 }
         QVERIFY(image);
+    }
+
+    // A margin in points is kept (Qt alone reads it as none), after a table too,
+    // while the same words in the text are left as typed.
+    void marginsInPointsAreKept_data()
+    {
+        QTest::addColumn<QString>("before");
+        QTest::newRow("after a table") << u"<table border=1><tr><td>x</td></tr></table>"_s;
+        QTest::newRow("after a paragraph") << u"<p>x</p>"_s;
+    }
+
+    void marginsInPointsAreKept()
+    {
+        QFETCH(QString, before);
+        const auto top = [&](const QString &style) {
+            const auto doc = DocTemplates::attributed(db, before + u"<p style='"_s + style +
+                                                              u"'>credit margin:18pt</p>"_s);
+            doc->setTextWidth(400);
+            const QTextCursor at = doc->find(u"credit"_s);
+            return std::pair{doc->documentLayout()->blockBoundingRect(at.block()).top(), at.block().text()};
+        };
+        const auto [plain, text] = top(u"font-size:8pt"_s);
+        const auto [spaced, same] = top(u"font-size:8pt;margin-top:40pt"_s);
+        QVERIFY2(spaced - plain > 20, qPrintable(u"%1 → %2"_s.arg(plain).arg(spaced)));
+        QCOMPARE(same, u"credit margin:18pt"_s);
     }
 
     void planSheetPages()
