@@ -196,16 +196,22 @@ void ReportsScreen::margins()
 void ReportsScreen::refresh()
 {
     const QList<Rec> projects = m_db.list(u"project"_s);
-    QList<ChartGroup> groups;
-    QList<QStringList> rows;
-    for (const Rec &p : projects) {
-        const ProjectFigures f = ProjectFigures::of(m_db, p);
-        groups.append({p.f.value(u"name"_s), f.contract.revised, f.billed, f.cost});
-        rows.append(PrintReports::line(p, f));
+    // Every project's figures cost a job-cost walk each; they are worked out
+    // again only when the records or the company changed, not for a look change.
+    const std::pair<quint64, QString> seen{m_db.revision(), m_db.companyID()};
+    if (seen != m_figuresOf) {
+        m_figuresOf = seen;
+        QList<ChartGroup> groups;
+        QList<QStringList> rows;
+        for (const Rec &p : projects) {
+            const ProjectFigures f = ProjectFigures::of(m_db, p);
+            groups.append({p.f.value(u"name"_s), f.contract.revised, f.billed, f.cost});
+            rows.append(PrintReports::line(p, f));
+        }
+        m_chart->setGroups(groups);
+        m_table->setRows(rows);
+        m_pulse->refresh(std::nullopt);
     }
-    m_chart->setGroups(groups);
-    m_table->setRows(rows);
-    m_pulse->refresh(std::nullopt);
 
     // The choice of the project report keeps its project while the list changes around it.
     QStringList key;

@@ -79,4 +79,5 @@ private:
     Printable *m_printable;
     QString m_reportProject;
     QStringList m_projectKey;
+    std::pair<quint64, QString> m_figuresOf{~quint64(0), {}};
 };

@@ -130,6 +130,7 @@ void DB::load()
     m_index.clear();
     for (const auto &[id, stored] : m_recs)
         m_index.add(&stored);
+    ++m_revision;
     Q_EMIT changed();
 }
 
@@ -310,6 +311,7 @@ void DB::save(const Rec &rec)
     copy.updated = nowSeconds();
     put(copy);
     write(copy);
+    ++m_revision;
     Q_EMIT changed();
 }
 
@@ -323,6 +325,7 @@ void DB::saveAll(const QList<Rec> &recs)
         put(copy);
     }
     exec("COMMIT");
+    ++m_revision;
     Q_EMIT changed();
 }
 
@@ -397,6 +400,7 @@ void DB::remove(const QString &id)
         m_index.remove(&it->second);
         m_recs.erase(it);
     }
+    ++m_revision;
     Q_EMIT changed();
 
     if (top.kind == u"company") {

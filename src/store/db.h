@@ -105,6 +105,9 @@ public:
     QString code(const QString &code) const;
     // The current company's cost codes in code order.
     QList<Rec> costCodes() const;
+    // Counts the changes of the records: an unchanged count means unchanged
+    // records, so a screen may keep figures it worked out from them.
+    quint64 revision() const { return m_revision; }
 
 Q_SIGNALS:
     void changed();
@@ -113,6 +116,7 @@ Q_SIGNALS:
     void writeFailed(const QString &message);
 
 private:
+    quint64 m_revision = 0;
     void load();
     bool write(const Rec &rec);
     void put(const Rec &rec);

@@ -132,6 +132,29 @@ private Q_SLOTS:
         QCOMPARE(screen.chart()->groups().size(), 1);
     }
 
+    // Figures kept between refreshes follow every change of the records and of the company.
+    void figuresFollowTheStore()
+    {
+        DB db;
+        Nav nav;
+        company(db);
+        const Rec p = project(db, u"007"_s, u"Barn"_s, u"400000"_s, u"Active"_s);
+        ReportsScreen screen(context(db, nav, u"reports"_s));
+        QCOMPARE(screen.table()->rows().value(0).value(4), u"0.0%"_s);
+        screen.refresh(); // nothing changed: the same figures
+        QCOMPARE(screen.table()->rows().value(0).value(4), u"0.0%"_s);
+        const Rec inv = db.add(u"invoice"_s, p.id, {}, {{u"status"_s, u"Sent"_s}});
+        db.add(u"inv_line"_s, p.id, inv.id,
+               {{u"description"_s, u"Work"_s}, {u"qty"_s, u"1"_s}, {u"unitPrice"_s, u"100000"_s}});
+        screen.refresh();
+        QCOMPARE(screen.table()->rows().value(0).value(4), u"25.0%"_s);
+        const QString first = db.companyID();
+        db.createCompany(u"Second Co"_s, u"Sam Second"_s, u"UT"_s);
+        QVERIFY(db.companyID() != first);
+        screen.refresh();
+        QVERIFY(screen.table()->rows().isEmpty());
+    }
+
     // The CSV holds the nine columns of the report, a head row and a row per project.
     void wipCSV()
     {
