@@ -24,6 +24,8 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QScrollArea>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -49,6 +51,12 @@ void showAfter(FWChromeButton *button, const QString &text)
     const QFontMetrics fm(ui.font(12.5, QFont::DemiBold));
     button->setText(text.isEmpty() ? u"—"_s : fm.elidedText(text, Qt::ElideRight, ui.px(kAfterW - 20)));
     button->setToolTip(text.isEmpty() ? u"Starts after: choose predecessors"_s : u"Starts after "_s + text);
+}
+
+// The Start column: its set width, or wider when the zoomed font needs it to show a whole date.
+int startWidth()
+{
+    return std::max(FWUI::shared().px(kStartW), ThemedDate::fullWidth());
 }
 
 } // namespace
@@ -117,7 +125,7 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
                                                  {u"%"_s, kProgressW}, {QString(), kRemoveW}};
     for (const auto &[text, width] : columns) {
         auto *cap = new FWCaption(text, m_heading);
-        cap->setFixedWidth(ui.px(width));
+        cap->setFixedWidth(text == u"Start" ? startWidth() : ui.px(width));
         heads->addWidget(cap);
     }
     m_heading->setFixedHeight(ui.px(GanttSize::kHeader));
@@ -226,7 +234,7 @@ QWidget *GanttView::makeRow(const Rec &task)
     auto *name = new ThemedTextField(bind(u"name"_s), u"Task name"_s, false, row);
     name->setFixedWidth(ui.px(kNameW));
     auto *start = new ThemedDate(bind(u"start"_s), row);
-    start->setFixedWidth(ui.px(kStartW));
+    start->setFixedWidth(startWidth());
     auto *days = new NumberField(bind(u"duration"_s), false, u"0"_s, row);
     days->setFixedWidth(ui.px(kDaysW));
     auto *after = new FWChromeButton(QString(), QString(), row);

@@ -93,6 +93,10 @@ class ThemedDate : public QWidget, public Refreshable
 public:
     explicit ThemedDate(const TextBinding &value, QWidget *parent = nullptr);
     void refresh() override;
+    // The narrowest picker that shows every date of the year whole at the current zoom.
+    static int pickerWidth();
+    // The picker with its clear button: what a column of fixed width must allow.
+    static int fullWidth();
     // The parts, for tests and focus handling.
     FWChromeButton *setButton() const { return m_set; }
     QDateEdit *picker() const { return m_picker; }
