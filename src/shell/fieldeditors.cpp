@@ -65,7 +65,9 @@ void thinScrollBar(QWidget *bar)
     bar->setStyleSheet(
         QString(u"QScrollBar:vertical { width: %1px; background: transparent; margin: 0; }"
                 u"QScrollBar::handle:vertical { background: %2; border-radius: %3px; min-height: 24px; }"
-                u"QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                u"QScrollBar:horizontal { height: %1px; background: transparent; margin: 0; }"
+                u"QScrollBar::handle:horizontal { background: %2; border-radius: %3px; min-width: 24px; }"
+                u"QScrollBar::add-line, QScrollBar::sub-line { height: 0; width: 0; }"
                 u"QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }"_s)
             .arg(ui.px(6))
             .arg(handle.name(QColor::HexArgb))

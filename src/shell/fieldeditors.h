@@ -34,7 +34,7 @@ struct TextBinding
 namespace FieldLook {
 // Styles `w` (a line edit, text edit or combo box) for the current finish and zoom.
 void apply(QWidget *w, bool error = false, bool mono = false);
-// A thin vertical scroll bar of the finish instead of the platform's grey one.
+// A thin scroll bar of the finish instead of the platform's grey one.
 void thinScrollBar(QWidget *bar);
 } // namespace FieldLook
 
