@@ -97,6 +97,7 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(false);
     m_scroll->viewport()->setAutoFillBackground(false);
+    FieldLook::thinScrollBars(m_scroll);
     auto *content = new QWidget;
     content->setAutoFillBackground(false);
     auto *row = new QHBoxLayout(content);

@@ -16,6 +16,7 @@
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDateEdit>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QStackedLayout>
 
 #include <algorithm>
@@ -72,6 +73,16 @@ void thinScrollBar(QWidget *bar)
             .arg(ui.px(6))
             .arg(handle.name(QColor::HexArgb))
             .arg(ui.px(3)));
+}
+
+void thinScrollBars(QAbstractScrollArea *area)
+{
+    auto restyle = [area] {
+        thinScrollBar(area->horizontalScrollBar());
+        thinScrollBar(area->verticalScrollBar());
+    };
+    restyle();
+    QObject::connect(&FWUI::shared(), &FWUI::changed, area, restyle);
 }
 
 } // namespace FieldLook

@@ -36,6 +36,8 @@ namespace FieldLook {
 void apply(QWidget *w, bool error = false, bool mono = false);
 // A thin scroll bar of the finish instead of the platform's grey one.
 void thinScrollBar(QWidget *bar);
+// Both bars of `area` thin, kept in step with the finish and zoom.
+void thinScrollBars(QAbstractScrollArea *area);
 } // namespace FieldLook
 
 // A one-line text box; edits go straight through the binding.

@@ -7,12 +7,10 @@
 
 #include "catalog/modules.h"
 #include "catalog/roles.h"
-#include "look/fwui.h"
 #include "store/db.h"
 
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QScrollArea>
-#include <QtWidgets/QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -30,12 +28,7 @@ ModuleArea::ModuleArea(DB &db, Nav &nav, QWidget *parent)
     m_scroll->setWidgetResizable(true);
     m_scroll->viewport()->setAutoFillBackground(false);
     m_box->addWidget(m_scroll);
-    auto restyle = [this] {
-        FieldLook::thinScrollBar(m_scroll->horizontalScrollBar());
-        FieldLook::thinScrollBar(m_scroll->verticalScrollBar());
-    };
-    restyle();
-    connect(&FWUI::shared(), &FWUI::changed, this, restyle);
+    FieldLook::thinScrollBars(m_scroll);
     refresh();
 }
 
