@@ -131,6 +131,14 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
     }
     m_heading->setFixedHeight(ui.px(GanttSize::kHeader));
     m_rowBox->addWidget(m_heading);
+    // Without tasks the list would be a bare heading over an empty well.
+    m_empty = new QLabel(u"No tasks yet. Click Add Task to start the schedule."_s, m_column);
+    m_empty->setContentsMargins(ui.px(kPad), ui.px(10), ui.px(kPad), ui.px(10));
+    m_empty->setFont(ui.font(12.5));
+    QPalette dim = m_empty->palette();
+    dim.setColor(QPalette::WindowText, ui.theme().dim);
+    m_empty->setPalette(dim);
+    m_rowBox->addWidget(m_empty);
     refresh();
 }
 
@@ -219,6 +227,7 @@ void GanttView::refresh()
                 showAfter(after, afterText(m_db, tasks[i]));
         }
     }
+    m_empty->setVisible(tasks.isEmpty());
     m_column->adjustSize();
 }
 
