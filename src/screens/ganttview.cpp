@@ -24,6 +24,8 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QScrollArea>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -49,6 +51,12 @@ void showAfter(FWChromeButton *button, const QString &text)
     const QFontMetrics fm(ui.font(12.5, QFont::DemiBold));
     button->setText(text.isEmpty() ? u"—"_s : fm.elidedText(text, Qt::ElideRight, ui.px(kAfterW - 20)));
     button->setToolTip(text.isEmpty() ? u"Starts after: choose predecessors"_s : u"Starts after "_s + text);
+}
+
+// The Start column: its set width, or wider when the zoomed font needs it to show a whole date.
+int startWidth()
+{
+    return std::max(FWUI::shared().px(kStartW), ThemedDate::fullWidth());
 }
 
 } // namespace
@@ -89,6 +97,7 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setWidgetResizable(false);
     m_scroll->viewport()->setAutoFillBackground(false);
+    FieldLook::thinScrollBars(m_scroll);
     auto *content = new QWidget;
     content->setAutoFillBackground(false);
     auto *row = new QHBoxLayout(content);
@@ -117,11 +126,19 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
                                                  {u"%"_s, kProgressW}, {QString(), kRemoveW}};
     for (const auto &[text, width] : columns) {
         auto *cap = new FWCaption(text, m_heading);
-        cap->setFixedWidth(ui.px(width));
+        cap->setFixedWidth(text == u"Start" ? startWidth() : ui.px(width));
         heads->addWidget(cap);
     }
     m_heading->setFixedHeight(ui.px(GanttSize::kHeader));
     m_rowBox->addWidget(m_heading);
+    // Without tasks the list would be a bare heading over an empty well.
+    m_empty = new QLabel(u"No tasks yet. Click Add Task to start the schedule."_s, m_column);
+    m_empty->setContentsMargins(ui.px(kPad), ui.px(10), ui.px(kPad), ui.px(10));
+    m_empty->setFont(ui.font(12.5));
+    QPalette dim = m_empty->palette();
+    dim.setColor(QPalette::WindowText, ui.theme().dim);
+    m_empty->setPalette(dim);
+    m_rowBox->addWidget(m_empty);
     refresh();
 }
 
@@ -210,6 +227,7 @@ void GanttView::refresh()
                 showAfter(after, afterText(m_db, tasks[i]));
         }
     }
+    m_empty->setVisible(tasks.isEmpty());
     m_column->adjustSize();
 }
 
@@ -226,7 +244,7 @@ QWidget *GanttView::makeRow(const Rec &task)
     auto *name = new ThemedTextField(bind(u"name"_s), u"Task name"_s, false, row);
     name->setFixedWidth(ui.px(kNameW));
     auto *start = new ThemedDate(bind(u"start"_s), row);
-    start->setFixedWidth(ui.px(kStartW));
+    start->setFixedWidth(startWidth());
     auto *days = new NumberField(bind(u"duration"_s), false, u"0"_s, row);
     days->setFixedWidth(ui.px(kDaysW));
     auto *after = new FWChromeButton(QString(), QString(), row);

@@ -46,6 +46,8 @@ public:
     QMenu *afterMenu(int row);
     // The row widgets below the heading, in task order.
     QList<QWidget *> rowWidgets() const { return m_rows; }
+    // The hint shown under the heading while the project has no tasks.
+    QLabel *emptyHint() const { return m_empty; }
 
 private:
     QWidget *makeRow(const Rec &task);
@@ -63,6 +65,7 @@ private:
     QWidget *m_column;
     QVBoxLayout *m_rowBox;
     QWidget *m_heading;
+    QLabel *m_empty;
     GanttCanvas *m_canvas;
     QList<QWidget *> m_rows;
     QStringList m_rowIDs;

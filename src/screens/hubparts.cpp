@@ -2,6 +2,7 @@
 
 #include "look/fwui.h"
 #include "look/icons.h"
+#include "shell/fieldeditors.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
@@ -157,6 +158,7 @@ QScrollArea *scroller(QWidget *content, QWidget *parent)
     area->setFrameShape(QFrame::NoFrame);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->viewport()->setAutoFillBackground(false);
+    FieldLook::thinScrollBars(area);
     content->setAutoFillBackground(false);
     area->setWidget(content);
     return area;

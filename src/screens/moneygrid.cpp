@@ -8,6 +8,7 @@
 #include "catalog/moduledef.h"
 #include "look/chrome.h"
 #include "look/fwui.h"
+#include "shell/fieldeditors.h"
 #include "shell/nav.h"
 #include "shell/pickproject.h"
 #include "shell/printbutton.h"
@@ -237,6 +238,7 @@ ProjectScreen::ProjectScreen(const ScreenContext &ctx, const QString &tail, QWid
     m_scroll->setWidgetResizable(true);
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->viewport()->setAutoFillBackground(false);
+    FieldLook::thinScrollBars(m_scroll);
     auto *page = new QWidget;
     m_body = new QVBoxLayout(page);
     m_body->setContentsMargins(0, 0, 0, 0);

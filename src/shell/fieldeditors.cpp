@@ -11,10 +11,15 @@
 #include "store/db.h"
 #include "workflows/binding.h"
 
+#include <QtCore/QLocale>
+#include <QtGui/QFontMetrics>
 #include <QtWidgets/QAbstractItemView>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDateEdit>
+#include <QtWidgets/QScrollBar>
 #include <QtWidgets/QStackedLayout>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -61,11 +66,23 @@ void thinScrollBar(QWidget *bar)
     bar->setStyleSheet(
         QString(u"QScrollBar:vertical { width: %1px; background: transparent; margin: 0; }"
                 u"QScrollBar::handle:vertical { background: %2; border-radius: %3px; min-height: 24px; }"
-                u"QScrollBar::add-line, QScrollBar::sub-line { height: 0; }"
+                u"QScrollBar:horizontal { height: %1px; background: transparent; margin: 0; }"
+                u"QScrollBar::handle:horizontal { background: %2; border-radius: %3px; min-width: 24px; }"
+                u"QScrollBar::add-line, QScrollBar::sub-line { height: 0; width: 0; }"
                 u"QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }"_s)
             .arg(ui.px(6))
             .arg(handle.name(QColor::HexArgb))
             .arg(ui.px(3)));
+}
+
+void thinScrollBars(QAbstractScrollArea *area)
+{
+    auto restyle = [area] {
+        thinScrollBar(area->horizontalScrollBar());
+        thinScrollBar(area->verticalScrollBar());
+    };
+    restyle();
+    QObject::connect(&FWUI::shared(), &FWUI::changed, area, restyle);
 }
 
 } // namespace FieldLook
@@ -197,6 +214,12 @@ void ThemedChoice::refresh()
 
 // --- ThemedDate ---
 
+namespace {
+const QString kDateFormat = u"MMM d, yyyy"_s;
+// The picker's drop-down arrow and the gap before the clear button, in points before zoom.
+constexpr qreal kDateArrow = 20, kDateGap = 4;
+} // namespace
+
 ThemedDate::ThemedDate(const TextBinding &value, QWidget *parent)
     : QWidget(parent)
     , m_value(value)
@@ -219,7 +242,7 @@ ThemedDate::ThemedDate(const TextBinding &value, QWidget *parent)
     row->addStretch(1);
     m_stack->addWidget(setRow);
     m_stack->addWidget(m_pickerRow);
-    m_picker->setDisplayFormat(u"MMM d, yyyy"_s);
+    m_picker->setDisplayFormat(kDateFormat);
     m_picker->setCalendarPopup(true);
     m_clear->setCompact(true);
     m_clear->setToolTip(u"Clear date"_s);
@@ -237,10 +260,33 @@ ThemedDate::ThemedDate(const TextBinding &value, QWidget *parent)
         if (!m_updating && d.isValid())
             m_value.set(DateFmt::iso(d));
     });
-    auto restyle = [this] { FieldLook::apply(m_picker); };
+    auto restyle = [this, row] {
+        FieldLook::apply(m_picker);
+        m_picker->setMinimumWidth(pickerWidth());
+        row->setSpacing(FWUI::shared().px(kDateGap));
+    };
     restyle();
     connect(&FWUI::shared(), &FWUI::changed, this, restyle);
     refresh();
+}
+
+int ThemedDate::pickerWidth()
+{
+    const FWUI &ui = FWUI::shared();
+    const QFontMetrics fm(ui.font(12.5));
+    // Month names differ in width and digits may too, so the widest month on a two-digit day counts.
+    int text = 0;
+    for (int month = 1; month <= 12; ++month)
+        text = std::max(text, fm.horizontalAdvance(QLocale().toString(QDate(2000, month, 28), kDateFormat)));
+    // The field's padding on both sides, its border, the line edit's own margins and the arrow.
+    return text + ui.px(8) * 2 + 2 + ui.px(6) + ui.px(kDateArrow);
+}
+
+int ThemedDate::fullWidth()
+{
+    const FWUI &ui = FWUI::shared();
+    // The clear button is compact with a symbol only: its padding and the symbol.
+    return pickerWidth() + ui.px(kDateGap) + ui.px(8) * 2 + ui.px(14);
 }
 
 void ThemedDate::refresh()

@@ -34,8 +34,10 @@ struct TextBinding
 namespace FieldLook {
 // Styles `w` (a line edit, text edit or combo box) for the current finish and zoom.
 void apply(QWidget *w, bool error = false, bool mono = false);
-// A thin vertical scroll bar of the finish instead of the platform's grey one.
+// A thin scroll bar of the finish instead of the platform's grey one.
 void thinScrollBar(QWidget *bar);
+// Both bars of `area` thin, kept in step with the finish and zoom.
+void thinScrollBars(QAbstractScrollArea *area);
 } // namespace FieldLook
 
 // A one-line text box; edits go straight through the binding.
@@ -93,6 +95,10 @@ class ThemedDate : public QWidget, public Refreshable
 public:
     explicit ThemedDate(const TextBinding &value, QWidget *parent = nullptr);
     void refresh() override;
+    // The narrowest picker that shows every date of the year whole at the current zoom.
+    static int pickerWidth();
+    // The picker with its clear button: what a column of fixed width must allow.
+    static int fullWidth();
     // The parts, for tests and focus handling.
     FWChromeButton *setButton() const { return m_set; }
     QDateEdit *picker() const { return m_picker; }

@@ -220,9 +220,12 @@ void HeaderBar::restyle()
     m_zoom->setPalette(p);
     m_theme->setText(t.name);
     setFixedHeight(ui.px(56));
+    // Decided before the next layout: the wide form's minimum at a large zoom would
+    // otherwise widen the window before the first resize could make it compact.
+    fitToWidth();
 }
 
-void HeaderBar::resizeEvent(QResizeEvent *e)
+void HeaderBar::fitToWidth()
 {
     // Below this width the menus drop their captions and the theme its name.
     const bool compact = width() < FWUI::shared().px(1180);
@@ -230,6 +233,11 @@ void HeaderBar::resizeEvent(QResizeEvent *e)
         b->setCompact(compact);
     m_theme->setCompact(compact);
     m_brand->setVisible(!compact);
+}
+
+void HeaderBar::resizeEvent(QResizeEvent *e)
+{
+    fitToWidth();
     QWidget::resizeEvent(e);
 }
 

@@ -61,6 +61,8 @@ protected:
 
 private:
     void restyle();
+    // The compact form when the bar is too narrow for the captions, the brand and the theme name.
+    void fitToWidth();
     DB &m_db;
     Nav &m_nav;
     QMenu *m_companyMenu;

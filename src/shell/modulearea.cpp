@@ -1,6 +1,7 @@
 #include "modulearea.h"
 
 #include "emptystate.h"
+#include "fieldeditors.h"
 #include "nav.h"
 #include "placeholders.h"
 
@@ -9,6 +10,7 @@
 #include "store/db.h"
 
 #include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QScrollArea>
 
 using namespace Qt::StringLiterals;
 
@@ -17,8 +19,16 @@ ModuleArea::ModuleArea(DB &db, Nav &nav, QWidget *parent)
     , m_db(db)
     , m_nav(nav)
     , m_box(new QVBoxLayout(this))
+    , m_scroll(new QScrollArea(this))
 {
     m_box->setContentsMargins(0, 0, 0, 0);
+    // A screen wider or taller than the window at a large zoom scrolls here instead of
+    // pushing the window past the edge of the screen.
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->viewport()->setAutoFillBackground(false);
+    m_box->addWidget(m_scroll);
+    FieldLook::thinScrollBars(m_scroll);
     refresh();
 }
 
@@ -70,12 +80,12 @@ void ModuleArea::refresh()
         ShellScreen *screen = it != factories().cend() ? (*it)(ctx) : nullptr;
         next = screen ? screen : Placeholders::make(ctx);
     }
-    if (m_current) {
-        m_box->removeWidget(m_current);
-        m_current->deleteLater();
-    }
+    // Taken out, not deleted at once: the old screen may be the one whose signal led here.
+    if (QWidget *old = m_scroll->takeWidget())
+        old->deleteLater();
     m_current = next;
-    m_current->setParent(this);
-    m_box->addWidget(m_current);
+    m_scroll->setWidget(m_current);
+    // The scroll area makes its widget opaque; the window's own backdrop shows through instead.
+    m_current->setAutoFillBackground(false);
     m_current->show();
 }

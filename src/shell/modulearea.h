@@ -7,6 +7,7 @@
 class DB;
 class Nav;
 struct ModuleDef;
+class QScrollArea;
 class QVBoxLayout;
 
 // A screen shown in the module area. It is built once for its module and
@@ -57,6 +58,7 @@ private:
     DB &m_db;
     Nav &m_nav;
     QVBoxLayout *m_box;
+    QScrollArea *m_scroll;
     QWidget *m_current = nullptr;
     QString m_key;
 };

@@ -146,9 +146,14 @@ void ModuleRail::rebuild()
         if (shown.isEmpty())
             continue;
         m_groups.append(group);
+        // Spacing and indent, not the caption's contents margins, which a large zoom lost for
+        // every group but the first.
+        if (m_groups.size() > 1)
+            box->addSpacing(ui.px(12));
         auto *caption = new FWCaption(group, m_list);
-        caption->setContentsMargins(ui.px(12), m_groups.size() > 1 ? ui.px(12) : 0, 0, ui.px(4));
+        caption->setIndent(ui.px(12));
         box->addWidget(caption);
+        box->addSpacing(ui.px(4));
         for (const ModuleDef *m : shown) {
             auto *b = new RailButton(*m, m_list);
             b->setOn(m->id == m_nav.module());

@@ -1,5 +1,7 @@
 #include "photostrip.h"
 
+#include "fieldeditors.h"
+
 #include "look/buttons.h"
 #include "look/chrome.h"
 #include "look/fwui.h"
@@ -181,6 +183,7 @@ PhotoStrip::PhotoStrip(DB &db, const QString &recordId, QWidget *parent)
     m_scroll->setFrameShape(QFrame::NoFrame);
     m_scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->viewport()->setAutoFillBackground(false);
+    FieldLook::thinScrollBars(m_scroll);
     tiles->setAutoFillBackground(false);
 
     restyle();

@@ -190,12 +190,14 @@ void RecordCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
     } else if (kind == RecordListModel::Money) {
         font = ui.font(12.5, QFont::DemiBold);
     }
+    // The number column is narrow; its right gap goes so that a four-digit number shows whole.
+    const QRectF room = kind == RecordListModel::Number ? cell.adjusted(0, 0, ui.s(3), 0) : cell;
     painter->save();
     painter->setFont(font);
     painter->setPen(colour);
     const QString line = QString(text).replace(u'\n', u' ');
-    painter->drawText(cell, Qt::AlignLeft | Qt::AlignVCenter,
-                      QFontMetrics(font).elidedText(line, Qt::ElideRight, int(cell.width())));
+    painter->drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
+                      QFontMetrics(font).elidedText(line, Qt::ElideRight, int(room.width())));
     painter->restore();
 }
 

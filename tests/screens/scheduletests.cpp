@@ -13,6 +13,7 @@
 #include "store/db.h"
 
 #include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 
 using namespace Qt::StringLiterals;
@@ -223,9 +224,12 @@ private Q_SLOTS:
             if (b->text() == u"Add Task")
                 add = b;
         QVERIFY(add);
+        // An empty schedule says how to begin; the hint goes with the first task.
+        QVERIFY(!screen.view()->emptyHint()->isHidden());
         add->click();
         add->click();
         screen.refresh();
+        QVERIFY(screen.view()->emptyHint()->isHidden());
         const QList<Rec> tasks = db.list(u"task"_s, RecFilter{.project = p.id});
         QCOMPARE(tasks.size(), 2);
         QCOMPARE(tasks[0].f.value(u"start"), u"2026-03-02"_s);
@@ -242,6 +246,7 @@ private Q_SLOTS:
         QCOMPARE(db.count(u"task"_s, RecFilter{.project = p.id}), 1);
         screen.refresh();
         QCOMPARE(screen.view()->rowWidgets().size(), 1);
+        QVERIFY(screen.view()->emptyHint()->isHidden());
     }
 
     // A loop and a predecessor that is gone still give a drawn chart, with no hang.

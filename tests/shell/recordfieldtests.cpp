@@ -6,6 +6,7 @@
 #include "calc/money.h"
 #include "catalog/modules.h"
 #include "look/buttons.h"
+#include "look/fwui.h"
 #include "look/segment.h"
 #include "shell/fieldeditors.h"
 #include "shell/nav.h"
@@ -17,6 +18,7 @@
 #include <QtTest/QSignalSpy>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDateEdit>
+#include <QtWidgets/QLineEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -223,6 +225,39 @@ private Q_SLOTS:
         QTest::mouseClick(date->clearButton(), Qt::LeftButton);
         QCOMPARE(value, QString());
         QVERIFY(date->setButton()->isVisible());
+    }
+
+    void dateFitsItsFullWidth_data()
+    {
+        QTest::addColumn<double>("zoom");
+        QTest::addColumn<QString>("date");
+        QTest::newRow("smallest zoom, wide month") << 0.85 << u"2026-11-16"_s;
+        QTest::newRow("actual size, widest month name") << 1.0 << u"2026-05-28"_s;
+        QTest::newRow("actual size, two-digit day") << 1.0 << u"2026-09-30"_s;
+        QTest::newRow("odd zoom rounds the font") << 1.1 << u"2026-11-16"_s;
+        QTest::newRow("largest zoom") << 2.0 << u"2026-12-31"_s;
+    }
+    void dateFitsItsFullWidth()
+    {
+        QFETCH(double, zoom);
+        QFETCH(QString, date);
+        FWUI &ui = FWUI::shared();
+        const double before = ui.zoom();
+        ui.setZoom(zoom);
+        QString value = date;
+        {
+            // A table column holds the control at exactly the width it asks for.
+            auto *dateBox = new ThemedDate(TextBinding::local(&value));
+            dateBox->setFixedWidth(ThemedDate::fullWidth());
+            Harness h(dateBox);
+            auto *edit = dateBox->picker()->findChild<QLineEdit *>();
+            QVERIFY(edit);
+            QVERIFY(dateBox->picker()->width() >= ThemedDate::pickerWidth());
+            QVERIFY2(edit->width() >= edit->fontMetrics().horizontalAdvance(edit->text()),
+                     qPrintable(edit->text() + u" does not fit in "_s + QString::number(edit->width())));
+            QVERIFY(dateBox->clearButton()->geometry().right() < dateBox->width());
+        }
+        ui.setZoom(before);
     }
 
     void switchStoresOneOrZero()
