@@ -66,6 +66,24 @@ std::pair<double, double> ProjectChart::niceScale(double max, int ticks)
     return {std::ceil(max / step) * step, step};
 }
 
+QColor ProjectChart::costColour(const QColor &accent)
+{
+    // Orange, unless the finish's accent (the contract bars) is near it: then the
+    // candidate whose hue stands farthest from the accent, so the bars never match.
+    const std::array<QColor, 3> candidates = {QColor(0xF0, 0x9A, 0x3E), QColor(0xB0, 0x7C, 0xFF),
+                                              QColor(0x4C, 0xBD, 0xFF)};
+    const auto distance = [&](const QColor &c) {
+        if (accent.hsvHue() < 0) // a grey accent has no hue to clash with
+            return 180;
+        const int d = std::abs(c.hsvHue() - accent.hsvHue()) % 360;
+        return std::min(d, 360 - d);
+    };
+    if (distance(candidates[0]) >= 60)
+        return candidates[0];
+    return *std::max_element(candidates.cbegin(), candidates.cend(),
+                             [&](const QColor &a, const QColor &b) { return distance(a) < distance(b); });
+}
+
 void ProjectChart::setGroups(const QList<ChartGroup> &groups)
 {
     if (m_built && groups == m_groups)
@@ -88,7 +106,7 @@ void ProjectChart::rebuild()
     auto *series = new QBarSeries;
     const std::array<std::pair<QString, QColor>, 3> sets = {std::pair{u"Contract"_s, t.accent},
                                                             std::pair{u"Billed"_s, QColor(0x3F, 0xB3, 0x7F)},
-                                                            std::pair{u"Cost"_s, QColor(0xF0, 0x9A, 0x3E)}};
+                                                            std::pair{u"Cost"_s, costColour(t.accent)}};
     QStringList names;
     double top = 0;
     std::array<QBarSet *, 3> bars{};

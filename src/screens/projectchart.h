@@ -29,6 +29,8 @@ public:
     // Every text the chart draws: title, series names and axis labels.
     QStringList texts() const;
     QChart *chart() const { return m_chart; }
+    // The cost bars' colour: one that the contract bars (the finish's accent) never match.
+    static QColor costColour(const QColor &accent);
 
     // The top of the amount axis and its step, in dollars: a round step of
     // 1, 2 or 5 times a power of ten, with at most `ticks` steps up to `max`.

@@ -5,6 +5,7 @@
 #include "calc/datefmt.h"
 #include "catalog/modules.h"
 #include "interchange/sample.h"
+#include "look/fwui.h"
 #include "screens/fieldpulse.h"
 #include "screens/hubparts.h"
 #include "screens/hubscreen.h"
@@ -233,6 +234,17 @@ private Q_SLOTS:
         nav.setProjectID(QString());
         QTest::mouseClick(card, Qt::RightButton, {}, QPoint(4, 4));
         QVERIFY(nav.projectID().isEmpty());
+    }
+
+    // In every finish the cost bars stand apart from the contract bars (the accent).
+    void costBarsNeverMatchTheAccent()
+    {
+        for (const FWTheme &t : FWTheme::all()) {
+            const QColor cost = ProjectChart::costColour(t.accent);
+            int d = std::abs(cost.hsvHue() - t.accent.hsvHue()) % 360;
+            d = std::min(d, 360 - d);
+            QVERIFY2(t.accent.hsvHue() < 0 || d >= 60, qPrintable(t.name + u": "_s + QString::number(d)));
+        }
     }
 
     void scheduleFraction_data()
