@@ -170,21 +170,15 @@ int PdfMarkup::addInk(int index, const QList<QPointF> &points, const QColor &col
 
 int PdfMarkup::addBox(int index, const QRectF &rect, const QColor &color)
 {
-    const QSizeF size = pageSize(index);
-    const QRectF r = rect.normalized();
-    if (size.isEmpty() || r.isEmpty())
-        return -1;
-    auto box = std::make_unique<Poppler::GeomAnnotation>();
-    box->setGeomType(Poppler::GeomAnnotation::InscribedSquare);
-    box->setBoundary(Impl::toUnit(r, size));
-    Poppler::Annotation::Style style;
-    style.setColor(color);
-    style.setWidth(kStroke);
-    box->setStyle(style);
-    return d->add(index, std::move(box));
+    return addSquare(index, rect, color, false);
 }
 
 int PdfMarkup::addHighlight(int index, const QRectF &rect, const QColor &color)
+{
+    return addSquare(index, rect, color, true);
+}
+
+int PdfMarkup::addSquare(int index, const QRectF &rect, const QColor &color, bool filled)
 {
     const QSizeF size = pageSize(index);
     const QRectF r = rect.normalized();
@@ -193,11 +187,17 @@ int PdfMarkup::addHighlight(int index, const QRectF &rect, const QColor &color)
     auto box = std::make_unique<Poppler::GeomAnnotation>();
     box->setGeomType(Poppler::GeomAnnotation::InscribedSquare);
     box->setBoundary(Impl::toUnit(r, size));
-    box->setGeomInnerColor(color);
     Poppler::Annotation::Style style;
-    style.setColor(Qt::transparent); // no outline
-    style.setWidth(0);
-    style.setOpacity(kHighlightOpacity);
+    if (filled) {
+        // A highlight is the colour laid over the drawing, with no outline.
+        box->setGeomInnerColor(color);
+        style.setColor(Qt::transparent);
+        style.setWidth(0);
+        style.setOpacity(kHighlightOpacity);
+    } else {
+        style.setColor(color);
+        style.setWidth(kStroke);
+    }
     box->setStyle(style);
     return d->add(index, std::move(box));
 }

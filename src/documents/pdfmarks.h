@@ -69,6 +69,8 @@ public:
     QList<Mark> marks(int index) const;
 
 private:
+    // An outlined square, or a filled one without outline for a highlight.
+    int addSquare(int index, const QRectF &rect, const QColor &color, bool filled);
     struct Impl;
     std::unique_ptr<Impl> d;
     QString m_path;
