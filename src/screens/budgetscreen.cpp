@@ -63,20 +63,13 @@ BudgetScreen::BudgetScreen(const ScreenContext &ctx, QWidget *parent)
     , m_codes(new ThemedChoice(TextBinding::local(&addCode), {}, this))
     , m_add(new FWChromeButton(u"Add Budget Line"_s, u"plus"_s, this))
 {
-    auto *tiles = new QHBoxLayout;
-    const QList<std::pair<QString, QString>> tileDefs{
+    m_tiles = addTiles({
         {u"Original contract"_s, u"doc.text.fill"_s},
         {u"Revised contract"_s, u"arrow.triangle.branch"_s},
         {u"Revised cost budget"_s, u"chart.bar.fill"_s},
         {u"Projected margin"_s, u"chart.line.uptrend.xyaxis"_s},
         {u"Pending exposure"_s, u"exclamationmark.triangle"_s},
-    };
-    for (const auto &[title, symbol] : tileDefs) {
-        auto *tile = new KPITile(title, symbol, this);
-        tiles->addWidget(tile);
-        m_tiles.append(tile);
-    }
-    body()->addLayout(tiles);
+    });
 
     auto *panel = new FWPanel(this);
     auto *col = new QVBoxLayout(panel);

@@ -64,17 +64,10 @@ JobCostScreen::JobCostScreen(const ScreenContext &ctx, QWidget *parent)
                     new PrintButton(printJob(ctx.db, {})), parent)
     , m_grid(new MoneyGrid(head(), this))
 {
-    auto *tiles = new QHBoxLayout;
-    const QList<std::pair<QString, QString>> tileDefs{{u"Revised budget"_s, u"chart.bar"_s},
-                                                      {u"Committed"_s, u"cart"_s},
-                                                      {u"Actual cost"_s, u"creditcard"_s},
-                                                      {u"Variance"_s, u"plusminus"_s}};
-    for (const auto &[title, symbol] : tileDefs) {
-        auto *tile = new KPITile(title, symbol, this);
-        tiles->addWidget(tile);
-        m_tiles.append(tile);
-    }
-    body()->addLayout(tiles);
+    m_tiles = addTiles({{u"Revised budget"_s, u"chart.bar"_s},
+                        {u"Committed"_s, u"cart"_s},
+                        {u"Actual cost"_s, u"creditcard"_s},
+                        {u"Variance"_s, u"plusminus"_s}});
     auto *panel = new FWPanel(this);
     auto *col = new QVBoxLayout(panel);
     col->addWidget(m_grid);

@@ -2,6 +2,7 @@
 
 #include "budgetscreen.h"
 #include "jobcostscreen.h"
+#include "kpitile.h"
 #include "payappscreen.h"
 
 #include "calc/money.h"
@@ -257,6 +258,19 @@ ProjectScreen::ProjectScreen(const ScreenContext &ctx, const QString &tail, QWid
 bool ProjectScreen::bodyShown() const
 {
     return m_stack->currentWidget() == m_scroll;
+}
+
+QList<KPITile *> ProjectScreen::addTiles(const QList<std::pair<QString, QString>> &titlesAndSymbols)
+{
+    auto *row = new QHBoxLayout;
+    QList<KPITile *> tiles;
+    for (const auto &[title, symbol] : titlesAndSymbols) {
+        auto *tile = new KPITile(title, symbol, this);
+        row->addWidget(tile);
+        tiles.append(tile);
+    }
+    m_body->addLayout(row);
+    return tiles;
 }
 
 std::optional<Rec> ProjectScreen::syncProject(Printable *printable, PrintJob (*make)(DB &, const QString &))

@@ -10,6 +10,7 @@
 #include <functional>
 #include <optional>
 
+class KPITile;
 class PickProject;
 class Printable;
 struct PrintJob;
@@ -114,6 +115,8 @@ protected:
     // The same, and when the project changed, points the screen's print job (its
     // Printable and the title row's print button) at the new project.
     std::optional<Rec> syncProject(Printable *printable, PrintJob (*make)(DB &, const QString &));
+    // A row of tiles, titled and with their symbols, at the top of the body.
+    QList<KPITile *> addTiles(const QList<std::pair<QString, QString>> &titlesAndSymbols);
     // The column the screen fills.
     QVBoxLayout *body() const { return m_body; }
     // The controls at the end of the title row, as given.
