@@ -86,17 +86,25 @@ QString invoicesIIF(const DB &db, const std::optional<QString> &project)
             x.line(u"SPL", u"Retainage Receivable"_s, t.retainage, u"Retainage withheld"_s);
         out += x.end();
     }
+    // Each project's applications are worked out together, its chain walked once.
+    QHash<QString, QHash<QString, PayAppData>> figures;
+    const auto figuresOf = [&](const Rec &app) -> const QHash<QString, PayAppData> & {
+        auto it = figures.find(app.project);
+        if (it == figures.end())
+            it = figures.insert(app.project, payAppDataOfProject(db, app.project));
+        return *it;
+    };
     for (const Rec &app : db.list(u"pay_app"_s, scope(project))) {
         const QString status = app.f.value(u"status");
         if (status != u"submitted" && status != u"approved" && status != u"paid")
             continue;
-        const Calc::G702 cur = payAppData(db, app).calc.g702;
+        const Calc::G702 cur = figuresOf(app).value(app.id).calc.g702;
         // Only the application numbered one less counts: a gap means nothing held before.
         qint64 prevRet = 0;
         const qint64 number = app.i(u"number");
         for (const Rec &other : db.list(u"pay_app"_s, {.project = app.project, .company = app.company}))
             if (other.i(u"number") == number - 1) {
-                prevRet = payAppData(db, other).calc.g702.l5;
+                prevRet = figuresOf(app).value(other.id).calc.g702.l5;
                 break;
             }
         const qint64 retThis = Money::sub(cur.l5, prevRet);
