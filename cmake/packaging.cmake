@@ -54,6 +54,7 @@ install(FILES ${dist_out}/trestle.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES ${dist}/trestle.bash-completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
         RENAME trestle)
 install(FILES ${dist}/copyright ${dist_out}/changelog.Debian.gz DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/trestle)
+install(FILES ${dist}/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME trestle)
 
 # Pictures of the program for the AppStream screenshots, published under the
 # homepage's /screenshots path. Made on demand from the built program, never committed.
@@ -76,8 +77,19 @@ set(CPACK_PACKAGE_VENDOR Fenwright)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_CONTACT ${TRESTLE_MAINTAINER})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "back office for a small construction company")
-set(CPACK_PACKAGE_DESCRIPTION
-    "Trestle runs a small construction company's back office on one computer, with no server and no network: estimates and assemblies, contracts and change orders, progress billing with retainage, invoices and lien waivers, job cost, daily logs, timecards, equipment, a schedule, plan sheets with markups, bidding and subcontractor compliance. It also runs backups, exports and reports from the command line.")
+# The long description, wrapped for an 80-column terminal.
+string(JOIN "\n" CPACK_PACKAGE_DESCRIPTION
+  "Trestle runs a small construction company's back office on one computer,"
+  "with no server and no network. Everything typed is saved at once."
+  ""
+  "It keeps estimates and assemblies, contracts and change orders, progress"
+  "billing with retainage, AIA-style pay applications and lien waivers,"
+  "budgets and job cost, daily logs, timecards, equipment, a schedule, plan"
+  "sheets with markups, bidding and subcontractor compliance. One installation"
+  "holds any number of companies, each a separate set of books."
+  ""
+  "The same program makes backups, QuickBooks exports and PDF reports from"
+  "the command line, for scripts and nightly jobs.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS

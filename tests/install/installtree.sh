@@ -19,6 +19,7 @@ expected=(
     share/bash-completion/completions/trestle
     share/doc/trestle/copyright
     share/doc/trestle/changelog.Debian.gz
+    share/lintian/overrides/trestle
 )
 for s in $sizes; do
     expected+=("share/icons/hicolor/${s}x${s}/apps/$id.png")
