@@ -64,9 +64,9 @@ add_custom_target(trestle_screenshots
   COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen XDG_DATA_HOME=${shots}/home/data
           XDG_CONFIG_HOME=${shots}/home/config $<TARGET_FILE:trestle> --screenshot ${shots}/hub.png hub --size 1600x1000
   COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen XDG_DATA_HOME=${shots}/home/data
-          XDG_CONFIG_HOME=${shots}/home/config $<TARGET_FILE:trestle> --screenshot ${shots}/payapps.png payapps --size 1600x1000
+          XDG_CONFIG_HOME=${shots}/home/config $<TARGET_FILE:trestle> --screenshot ${shots}/payapps.png payapps 2 --size 1600x1000
   COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen XDG_DATA_HOME=${shots}/home/data
-          XDG_CONFIG_HOME=${shots}/home/config $<TARGET_FILE:trestle> --screenshot ${shots}/schedule.png schedule --size 1600x1000
+          XDG_CONFIG_HOME=${shots}/home/config $<TARGET_FILE:trestle> --screenshot ${shots}/estimates.png estimates 1 --size 1600x1000
   DEPENDS trestle
   COMMENT "Taking the screenshots for the AppStream data into ${shots}")
 
