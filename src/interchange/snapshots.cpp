@@ -147,8 +147,12 @@ Backup::Result makeFrom(StoreCopy &copy, const QString &dataFolder, const QDateT
     if (const QString verdict = copy.check(); !verdict.isEmpty())
         return failed(u"the store did not pass its check: "_s + verdict);
     const QString home = Snapshots::folder(dataFolder);
-    if (!QDir().mkpath(home))
-        return failed(u"the folder "_s + QDir::toNativeSeparators(home) + u" could not be made"_s);
+    if (!QFileInfo(home).isDir()) {
+        if (!QDir().mkpath(home))
+            return failed(u"the folder "_s + QDir::toNativeSeparators(home) + u" could not be made"_s);
+        // The books of a company are nobody else's business, in a copy as much as in the original.
+        QFile::setPermissions(home, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
     // Built under a name no list shows, so a stop halfway leaves no snapshot
     // that looks finished; the process id tells prune when it is abandoned.
     const QString partial =
