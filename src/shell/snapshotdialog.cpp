@@ -71,6 +71,7 @@ SnapshotDialog::SnapshotDialog(const QString &dataFolder, QWidget *parent)
     m_list->setUniformRowHeights(true);
     m_list->setFont(ui.font(12.5));
     m_list->setHeaderLabels({u"Taken"_s, u"Age"_s, u"Records"_s});
+    m_list->headerItem()->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
     m_list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     m_list->header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
     m_list->header()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
