@@ -113,6 +113,7 @@ void runShellBench(const QString &path, int runs, QTextStream &out)
         if (!made.isEmpty())
             QDir(made).removeRecursively();
     }
+    QDir().rmdir(Snapshots::folder(dataFolder)); // only when this bench left it empty
     if (!skipped.isEmpty() || snapStarts.empty()) {
         out << "window start with the day's snapshot: skipped (" << skipped << ')' << Qt::endl;
     } else {

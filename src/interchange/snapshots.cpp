@@ -258,6 +258,8 @@ Backup::Result restore(const QString &snapshotFolder, const QString &dataFolder)
     };
     if (!QDir().mkpath(prepared))
         return giveUp(u"the folder "_s + QDir::toNativeSeparators(parent) + u" could not be written"_s);
+    // As private as the data folder it replaces.
+    QFile::setPermissions(prepared, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     if (const QString why = linkTree(snapshotFolder, prepared); !why.isEmpty())
         return giveUp(why);
     // A copy, never a link: the restored database is written from now on,
@@ -312,9 +314,11 @@ void makeInBackground(DB &db, const std::function<void(const Backup::Result &, c
     const QString dataFolder = dataFolderOf(db);
     const QDateTime now = QDateTime::currentDateTime();
     auto copy = std::make_shared<StoreCopy>(QDir(dataFolder).filePath(kDatabase));
-    QThread *thread = QThread::create([copy, dataFolder, now, done, context = &db] {
+    QThread *thread = QThread::create([copy, dataFolder, now, done, context = &db]() mutable {
         QString path;
         const Backup::Result r = makeFrom(*copy, dataFolder, now, &path);
+        // Ends the read at once, so the store's log can be folded back in.
+        copy.reset();
         if (r.ok)
             prune(dataFolder, now);
         QMetaObject::invokeMethod(

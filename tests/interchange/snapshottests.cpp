@@ -357,6 +357,8 @@ private Q_SLOTS:
             db.add(u"punch"_s, {}, {}, {{u"title"_s, u"after the restore"_s}});
         }
         QCOMPARE(tree(made), snapshotBefore);
+        QCOMPARE(QFileInfo(folder).permissions() & (QFile::ReadOther | QFile::ReadGroup),
+                 QFile::Permissions());
         QStringList left = QDir(home).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
         QCOMPARE(left.size(), 3);
         QCOMPARE(left.at(0), u"Trestle"_s);
