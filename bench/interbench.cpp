@@ -1,11 +1,16 @@
 // Figures of the interchange layer on the reference company.
 #include "interbench.h"
 
+#include "benchutil.h"
+
 #include "interchange/backup.h"
 #include "interchange/qb.h"
+#include "interchange/snapshots.h"
+#include "interchange/storecopy.h"
 #include "store/db.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QDirIterator>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QRandomGenerator>
@@ -15,6 +20,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <sys/stat.h>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -34,6 +40,26 @@ qint64 rssKB()
         if (line.startsWith("VmRSS:"))
             return std::atoll(line.constData() + 6);
     return -1;
+}
+
+// Bytes on disk under `root` that no other name shares: what a snapshot
+// really costs, since its linked files take no room of their own.
+qint64 ownBytes(const QString &root, qint64 *linked)
+{
+    qint64 own = 0;
+    QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        struct stat st
+        {
+        };
+        if (::stat(QFile::encodeName(it.next()).constData(), &st) != 0)
+            continue;
+        if (st.st_nlink > 1)
+            *linked += qint64(st.st_size);
+        else
+            own += qint64(st.st_blocks) * 512;
+    }
+    return own;
 }
 
 // A copy of the reference store in a folder named as the program's own, with stored files added.
@@ -122,4 +148,50 @@ void runInterchangeBench(const DB &db, const QString &storePath, int runs, QText
             << (back.ok ? QString::number(double(t.nsecsElapsed()) / 1e6, 'f', 0) + u" ms"_s : back.message)
             << "; resident memory grew by " << (rpeak - rbefore) / 1024 << " MB" << Qt::endl;
     }
+    runSnapshotBench(folder, runs, out);
+}
+
+void runSnapshotBench(const QString &folder, int runs, QTextStream &out)
+{
+    const QString database = QDir(folder).filePath(u"trestle.sqlite"_s);
+    // The two halves of a snapshot's time: the check of the live store and the copy.
+    Bench::figure(out, runs, u"snapshot: quick_check of the store"_s, QString(), [&] {
+        StoreCopy copy(database);
+        (void)copy.check();
+    });
+    QTemporaryDir scratch;
+    int n = 0;
+    Bench::figure(out, runs, u"snapshot: online copy of the database"_s, QString(), [&] {
+        StoreCopy copy(database);
+        (void)copy.copyTo(scratch.filePath(QString::number(++n)));
+    });
+    const QDateTime start = QDateTime::currentDateTime();
+    QStringList made;
+    QString failure;
+    const Bench::Stats whole = Bench::measure(runs, [&] {
+        QString path;
+        const Backup::Result r = Snapshots::make(database, start.addSecs(made.size()), &path);
+        if (r.ok)
+            made.append(path);
+        else
+            failure = r.message;
+    });
+    if (!failure.isEmpty()) {
+        out << "snapshot failed: " << failure << Qt::endl;
+        return;
+    }
+    qint64 linked = 0;
+    const qint64 own = ownBytes(made.first(), &linked);
+    Bench::print(out, u"snapshot (check, copy, link the files)"_s, whole,
+                 u"new on disk "_s + QString::number(double(own) / (1 << 20), 'f', 1) + u" MB (database "_s +
+                     QString::number(double(QFileInfo(database).size()) / (1 << 20), 'f', 1) + u" MB), "_s +
+                     QString::number(linked / (1 << 20)) + u" MB of files linked"_s);
+    Bench::figure(out, runs, u"snapshots listed with record counts"_s,
+                  QString::number(made.size()) + u" snapshots"_s, [&] { (void)Snapshots::list(folder); });
+    QElapsedTimer t;
+    t.start();
+    const Backup::Result back = Snapshots::restore(made.first(), folder);
+    out << "restore from a snapshot: "
+        << (back.ok ? QString::number(double(t.nsecsElapsed()) / 1e6, 'f', 0) + u" ms"_s : back.message)
+        << Qt::endl;
 }

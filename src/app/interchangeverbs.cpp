@@ -1,10 +1,12 @@
 // The interchange verbs: the sample company, the QuickBooks and CSV exports,
-// and backup and restore of the data folder, for scripts and nightly jobs.
+// backup and restore of the data folder, and its snapshots, for scripts and
+// nightly jobs.
 #include "calc/datefmt.h"
 #include "documents/samplefiles.h"
 #include "interchange/backup.h"
 #include "interchange/qb.h"
 #include "interchange/sample.h"
+#include "interchange/snapshots.h"
 #include "store/db.h"
 #include "verbs.h"
 
@@ -91,20 +93,60 @@ int backup(const QStringList &args, QTextStream &out, QTextStream &err)
     return 0;
 }
 
+// Whether a window holds the data folder, in which case a restore must not
+// move the folder from under it; says so on `err`.
+// The one place where restore asks; to be answered by the data-folder lock.
+bool windowHoldsFolder(QTextStream &err)
+{
+    Q_UNUSED(err);
+    return false;
+}
+
 int restore(const QStringList &args, QTextStream &out, QTextStream &err)
 {
     if (args.size() != 2 || !args.contains(u"--yes"_s)) {
         if (args.size() == 1 && !args.first().startsWith(u"--"_s))
-            return fail(err,
-                        u"This replaces ALL companies and data with the backup; add --yes to go ahead"_s);
+            return fail(err, u"This replaces ALL companies and data with the "_s +
+                                 (QFileInfo(args.first()).isDir() ? u"snapshot"_s : u"backup"_s) +
+                                 u"; add --yes to go ahead"_s);
         return usage(err, u"restore"_s);
     }
-    const QString zip = args.at(0) == u"--yes" ? args.at(1) : args.at(0);
+    const QString from = args.at(0) == u"--yes" ? args.at(1) : args.at(0);
+    if (windowHoldsFolder(err))
+        return 1;
     // The store is never opened: the folder is swapped under nobody.
-    const Backup::Result r = Backup::restore(zip, DB::appFolder());
+    const Backup::Result r = QFileInfo(from).isDir() ? Snapshots::restore(from, DB::appFolder())
+                                                     : Backup::restore(from, DB::appFolder());
     if (!r.ok)
         return fail(err, r.title.isEmpty() ? r.message : r.title + u": "_s + r.message);
     out << r.message << '\n';
+    return 0;
+}
+
+int snapshot(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (!args.isEmpty())
+        return usage(err, u"snapshot"_s);
+    QString made;
+    const Backup::Result r = Snapshots::make(DB::shared(), &made);
+    if (!r.ok)
+        return fail(err, r.message);
+    out << made << '\n';
+    return 0;
+}
+
+int snapshots(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (!args.isEmpty())
+        return usage(err, u"snapshots"_s);
+    // Only the folder is read, never the store: this must work when the store does not.
+    const QString data = DB::appFolder();
+    const QList<Snapshots::Info> all = Snapshots::list(data);
+    if (all.isEmpty())
+        err << "No snapshots in " << Snapshots::folder(data) << '\n';
+    for (const Snapshots::Info &s : all)
+        out << s.path << '\t' << s.taken.toString(u"yyyy-MM-dd HH:mm:ss"_s) << ", " << s.records
+            << (s.records == 1 ? " record" : " records") << '\n';
     return 0;
 }
 
@@ -117,8 +159,13 @@ const Verbs::Register regCSV({u"export-csv"_s, u"<dir>"_s,
 const Verbs::Register
     regBackup({u"backup"_s, u"<file.zip>"_s,
                u"Save one .zip with every company, record, photo, document and plan sheet"_s, &backup});
-const Verbs::Register regRestore({u"restore"_s, u"<file.zip> --yes"_s,
-                                  u"Replace all data with a backup (the old data is kept beside it)"_s,
-                                  &restore});
+const Verbs::Register regRestore(
+    {u"restore"_s, u"<file.zip|snapshot folder> --yes"_s,
+     u"Replace all data with a backup or a snapshot (the old data is kept beside it)"_s, &restore});
+const Verbs::Register regSnapshot({u"snapshot"_s, QString(),
+                                   u"Take a snapshot of all data now and print its folder"_s, &snapshot});
+const Verbs::Register regSnapshots({u"snapshots"_s, QString(),
+                                    u"List the snapshots, newest first, with their dates and record counts"_s,
+                                    &snapshots});
 
 } // namespace

@@ -1,7 +1,10 @@
 #include "backup.h"
 
+#include "storecopy.h"
+
 #include "calc/datefmt.h"
 #include "store/db.h"
+#include "store/rec.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>
@@ -46,8 +49,21 @@ Result backup(DB &db, const QString &zipPath, const Progress &progress)
         return failed(zipPath);
     const QString folder = QFileInfo(db.filesRoot()).absolutePath();
     const QString top = QFileInfo(folder).fileName();
-    // Every saved record is in the database file; the WAL left behind is empty.
-    db.checkpoint();
+    // The live database may be written meanwhile, by this window or another
+    // program: the zip takes a consistent copy of it, never its raw file.
+    // The copy sits beside the data folder, on its disk, until the zip is written.
+    const QString copyPath = QFileInfo(folder).absolutePath() + u"/tl-backup-"_s + newID() + u".sqlite"_s;
+    struct Drop
+    {
+        QString path;
+        ~Drop() { QFile::remove(path); }
+    } drop{copyPath};
+    {
+        StoreCopy copy(QDir(folder).filePath(u"trestle.sqlite"_s));
+        if (const QString why = copy.copyTo(copyPath); !why.isEmpty())
+            return {false, u"Backup failed"_s,
+                    u"Could not write "_s + QFileInfo(zipPath).fileName() + u": "_s + why + u'.'};
+    }
 
     int err = 0;
     zip_t *zip = zip_open(QFile::encodeName(zipPath).constData(), ZIP_CREATE | ZIP_TRUNCATE, &err);
@@ -86,18 +102,18 @@ Result backup(DB &db, const QString &zipPath, const Progress &progress)
         return true;
     };
 
-    bool ok = addEntry(folder, top + u'/', true);
+    bool ok = addEntry(folder, top + u'/', true) && addEntry(copyPath, top + u"/trestle.sqlite"_s, false);
     QDirIterator it(folder, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
                     QDirIterator::Subdirectories);
     while (ok && it.hasNext()) {
         const QFileInfo info = it.nextFileInfo();
-        // Shared memory of a live connection means nothing in another process;
-        // links could point anywhere.
-        if (info.isSymLink() || info.fileName().endsWith(u"-shm"_s))
+        // Links could point anywhere.
+        const QString relative = QDir(folder).relativeFilePath(info.filePath());
+        if (info.isSymLink() || liveOnly(relative))
             continue;
         if (!info.isDir() && !info.isFile())
             continue;
-        const QString name = top + u'/' + QDir(folder).relativeFilePath(info.filePath());
+        const QString name = top + u'/' + relative;
         ok = addEntry(info.filePath(), info.isDir() ? name + u'/' : name, info.isDir());
     }
     if (!ok) {

@@ -20,9 +20,10 @@ struct Result
     QString message;
 };
 
-// Zips the store's data folder (database, its WAL, stored files, logos) as the
-// zip's one top-level folder. Checkpoints the store first; never holds a whole
-// file in memory. On failure or cancel no file is left at `zipPath`.
+// Zips the store's data folder (a consistent copy of the database, stored
+// files, logos) as the zip's one top-level folder; the store may go on being
+// written meanwhile. Never holds a whole file in memory. On failure or cancel
+// no file is left at `zipPath`.
 Result backup(DB &db, const QString &zipPath, const Progress &progress = {});
 
 // Replaces `dataFolder` with the folder of the same name inside the zip; the

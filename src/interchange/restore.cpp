@@ -1,7 +1,7 @@
 // Restore from a zip that came from outside: every entry name is checked
 // before anything is written, and nothing is written outside a temporary
 // folder until the data folder is swapped in by two renames.
-#include "backup.h"
+#include "swapin.h"
 
 #include "store/rec.h"
 
@@ -174,23 +174,27 @@ Result restore(const QString &zipPath, const QString &dataFolder, const Progress
     }
     header.close();
 
-    const QString aside = QDir(parent).filePath(top + u" (before restore "_s +
+    const Result r = swapIn(extracted, dataFolder, QFileInfo(zipPath).fileName());
+    QDir(temp).removeRecursively();
+    return r;
+}
+
+Result swapIn(const QString &prepared, const QString &dataFolder, const QString &source)
+{
+    const QFileInfo target(dataFolder);
+    const QString parent = target.absolutePath();
+    const QString aside = QDir(parent).filePath(target.fileName() + u" (before restore "_s +
                                                 QString::number(QDateTime::currentSecsSinceEpoch()) + u")"_s);
-    if (QFileInfo::exists(dataFolder) && !QDir().rename(dataFolder, aside)) {
-        QDir(temp).removeRecursively();
+    if (QFileInfo::exists(dataFolder) && !QDir().rename(dataFolder, aside))
         return restoreFailed(u"Could not move the current data aside to "_s + QFileInfo(aside).fileName() +
                              u"; nothing was changed."_s);
-    }
-    if (!QDir().rename(extracted, dataFolder)) {
+    if (!QDir().rename(prepared, dataFolder)) {
         // Put the old data back rather than leave no data folder at all.
         QDir().rename(aside, dataFolder);
-        QDir(temp).removeRecursively();
         return restoreFailed(u"Could not move the restored data into place; nothing was changed."_s);
     }
-    QDir(temp).removeRecursively();
     return {true, QString(),
-            u"Restored from "_s + QFileInfo(zipPath).fileName() + u"; the old data is in "_s +
-                QFileInfo(aside).fileName()};
+            u"Restored from "_s + source + u"; the old data is in "_s + QFileInfo(aside).fileName()};
 }
 
 } // namespace Backup

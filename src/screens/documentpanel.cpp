@@ -6,6 +6,7 @@
 #include "documents/docstore.h"
 #include "documents/doctemplates.h"
 #include "documents/pdfwrite.h"
+#include "interchange/snapshots.h"
 #include "look/alert.h"
 #include "look/buttons.h"
 #include "look/fwui.h"
@@ -395,7 +396,10 @@ void DocumentPanel::openAttached()
     const Rec *rec = m_db.find(m_id);
     if (!rec || rec->f.value(u"file"_s).isEmpty())
         return;
-    QDesktopServices::openUrl(QUrl::fromLocalFile(m_db.fileURL(rec->f.value(u"file"_s), rec->company)));
+    const QString path = m_db.fileURL(rec->f.value(u"file"_s), rec->company);
+    // Another program may save over the file in place; the snapshots keep their own.
+    Snapshots::unshare(path);
+    QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
 void DocumentPanel::hideEvent(QHideEvent *event)

@@ -5,6 +5,7 @@
 #include "markupview.h"
 
 #include "catalog/moduledef.h"
+#include "interchange/snapshots.h"
 #include "look/buttons.h"
 #include "look/fwui.h"
 #include "look/segment.h"
@@ -220,6 +221,10 @@ void PlansScreen::deleteSheet()
 
 void PlansScreen::openInViewer()
 {
-    if (const std::optional<Rec> sheet = m_db.get(m_shownID))
-        QDesktopServices::openUrl(QUrl::fromLocalFile(m_db.fileURL(sheet->f.value(u"file"), sheet->company)));
+    if (const std::optional<Rec> sheet = m_db.get(m_shownID)) {
+        const QString path = m_db.fileURL(sheet->f.value(u"file"), sheet->company);
+        // Another program may save over the file in place; the snapshots keep their own.
+        Snapshots::unshare(path);
+        QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    }
 }

@@ -4,6 +4,7 @@
 #include "nav.h"
 #include "printcenter.h"
 #include "printsetup.h"
+#include "snapshotdialog.h"
 #include "tlapp.h"
 #include "tlmain.h"
 #include "tlwindow.h"
@@ -30,6 +31,7 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
     m->addAction(u"Back Up Everything…"_s, QKeySequence(u"Ctrl+B"_s), w,
                  [w, &db] { FileActions::backupAll(w, db); });
     m->addAction(u"Restore From Backup…"_s, w, [w, &db] { FileActions::restore(w, db); });
+    m->addAction(u"Restore From Snapshot…"_s, w, [w, &db] { SnapshotActions::restore(w, db); });
     m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
     m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
     m->addSeparator();

@@ -2,6 +2,7 @@
 
 #include "modulearea.h"
 #include "nav.h"
+#include "snapshotdialog.h"
 #include "tlmain.h"
 #include "tlwindow.h"
 
@@ -150,6 +151,9 @@ int run(int &argc, char **argv)
     if (helpPagesHook())
         helpPagesHook()();
     DB &db = DB::shared();
+    // The day's snapshot holds the store as it was before this run wrote anything.
+    if (app.arguments().value(1) != u"--screenshot")
+        SnapshotActions::startOfDay(db);
     ensureCompany(db);
     Nav &nav = Nav::shared();
 
