@@ -109,7 +109,7 @@ int restore(const QStringList &args, QTextStream &out, QTextStream &err)
 }
 
 const Verbs::Register regSample({u"sample"_s, QString(), u"Load the sample company beside the others"_s,
-                                 &sample});
+                                 &sample, true});
 const Verbs::Register regQB({u"export-qb"_s, u"<dir> [--project <number>]"_s,
                              u"Write the QuickBooks IIF and CSV files into a dated folder"_s, &exportQB});
 const Verbs::Register regCSV({u"export-csv"_s, u"<dir>"_s,
@@ -119,6 +119,6 @@ const Verbs::Register
                u"Save one .zip with every company, record, photo, document and plan sheet"_s, &backup});
 const Verbs::Register regRestore({u"restore"_s, u"<file.zip> --yes"_s,
                                   u"Replace all data with a backup (the old data is kept beside it)"_s,
-                                  &restore});
+                                  &restore, true});
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "modulearea.h"
 #include "nav.h"
+#include "singleinstance.h"
 #include "tlmain.h"
 #include "tlwindow.h"
 
@@ -13,7 +14,9 @@
 
 #include <QtCore/QTextStream>
 #include <QtCore/QTimer>
+#include <QtGui/QGuiApplication>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QMessageBox>
 
 #include <cmath>
 #include <cstring>
@@ -54,8 +57,9 @@ void loadSample(DB &db)
 
 void ensureCompany(DB &db)
 {
-    // Only "no company at all" counts, so a deleted sample comes back on the next start.
-    if (db.count(u"company"_s) == 0)
+    // Only "no company at all" counts, so a deleted sample comes back on the next start;
+    // a file that did not open cleanly, or opened only for reading, never gets one.
+    if (db.isOpen() && !db.readOnly() && db.count(u"company"_s) == 0)
         loadSample(db);
 }
 
@@ -143,6 +147,23 @@ int run(int &argc, char **argv)
     QApplication::setApplicationName(u"Trestle"_s);
     QApplication::setApplicationDisplayName(u"Fenwright Trestle"_s);
     QApplication::setApplicationVersion(QStringLiteral(TRESTLE_VERSION));
+    // One window per data folder: a second start brings the first to the front.
+    SingleInstance single(DB::appFolder());
+    QString claimMessage;
+    switch (single.claim(&claimMessage)) {
+    case SingleInstance::Claim::Raised:
+        QTextStream(stderr) << claimMessage << Qt::endl;
+        // A picture was asked for and none was taken.
+        return app.arguments().value(1) == u"--screenshot" ? 1 : 0;
+    case SingleInstance::Claim::HeldElsewhere:
+        QTextStream(stderr) << claimMessage << Qt::endl;
+        if (QGuiApplication::platformName() != u"offscreen")
+            QMessageBox::information(nullptr, u"Trestle is already open"_s, claimMessage);
+        return 1;
+    case SingleInstance::Claim::NoLock:
+        // A folder that cannot take a lock cannot take records either; the store says so.
+    case SingleInstance::Claim::Mine: break;
+    }
     if (helpPagesHook())
         helpPagesHook()();
     DB &db = DB::shared();
@@ -184,6 +205,7 @@ int run(int &argc, char **argv)
     }
 
     TLWindow window(db, nav);
+    QObject::connect(&single, &SingleInstance::raiseRequested, &window, &TLWindow::bringToFront);
     if (shot.size.isValid())
         window.resize(shot.size);
     window.show();
