@@ -62,8 +62,8 @@ int main(int argc, char *argv[])
         QString holder, problem;
         if (!hold.take(DB::appFolder(), &holder, &problem)) {
             if (!holder.isEmpty())
-                err << "trestle: Trestle is open (" << holder << ") on " << DB::appFolder()
-                    << "; close it, then run " << name << " again\n";
+                err << "trestle: Trestle is open on " << DB::appFolder() << " in " << holder
+                    << "; close its window, then run " << name << " again\n";
             else
                 err << "trestle: " << problem << '\n';
             return 1;
