@@ -1,5 +1,6 @@
 #include "recoveryscreen.h"
 
+#include "fieldeditors.h"
 #include "fileactions.h"
 
 #include "look/buttons.h"
@@ -12,6 +13,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QScrollArea>
 
 using namespace Qt::StringLiterals;
 
@@ -30,11 +32,24 @@ RecoveryScreen::RecoveryScreen(DB &db, QWidget *parent)
     m_title->setWordWrap(true);
     m_text->setWordWrap(true);
     m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto *outer = new QHBoxLayout(this);
+    // At a large zoom, or with many snapshots, the page scrolls rather than push the window wider.
+    auto *scroll = new QScrollArea(this);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->viewport()->setAutoFillBackground(false);
+    auto *page = new QWidget(scroll);
+    page->setAutoFillBackground(false);
+    scroll->setWidget(page);
+    FieldLook::thinScrollBars(scroll);
+    auto *whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(scroll);
+    m_page = new QHBoxLayout(page);
     auto *column = new QVBoxLayout;
-    outer->addStretch(1);
-    outer->addLayout(column, 4);
-    outer->addStretch(1);
+    m_column = column;
+    m_page->addStretch(1);
+    m_page->addLayout(column, 8);
+    m_page->addStretch(1);
     column->addStretch(1);
     column->addWidget(m_icon);
     column->addWidget(m_title);
@@ -108,7 +123,7 @@ void RecoveryScreen::restyle()
         l->setFont(ui.font(12));
         l->setPalette(p);
     }
-    layout()->setContentsMargins(ui.px(24), ui.px(24), ui.px(24), ui.px(24));
+    m_page->setContentsMargins(ui.px(24), ui.px(24), ui.px(24), ui.px(24));
     m_choices->setSpacing(ui.px(10));
-    static_cast<QVBoxLayout *>(layout()->itemAt(1)->layout())->setSpacing(ui.px(12));
+    m_column->setSpacing(ui.px(12));
 }

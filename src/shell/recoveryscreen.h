@@ -2,6 +2,7 @@
 #include <QtWidgets/QWidget>
 
 class DB;
+class QHBoxLayout;
 class QLabel;
 class QVBoxLayout;
 
@@ -28,5 +29,7 @@ private:
     QLabel *m_text;
     QLabel *m_ways;
     QVBoxLayout *m_choices;
+    QHBoxLayout *m_page = nullptr;
+    QVBoxLayout *m_column = nullptr;
     QList<QLabel *> m_details;
 };

@@ -342,6 +342,33 @@ private Q_SLOTS:
         QCOMPARE(digest(home.store()), before);
     }
 
+    // The way back from the command line: a restore over a damaged store
+    // keeps the damaged file aside, byte for byte.
+    void restoreOverDamagedStore()
+    {
+        Home home;
+        QCOMPARE(trestle(home, {u"sample"_s}).code, 0);
+        const QString zip = home.dir.filePath(u"good.zip"_s);
+        QCOMPARE(trestle(home, {u"backup"_s, zip}).code, 0);
+        QFile f(home.store());
+        QVERIFY(f.open(QIODevice::ReadWrite));
+        f.resize(f.size() / 3);
+        f.close();
+        const QByteArray damaged = digest(home.store());
+        QCOMPARE(trestle(home, {u"info"_s}).code, 1);
+        const Run r = trestle(home, {u"restore"_s, zip, u"--yes"_s});
+        QCOMPARE(r.code, 0);
+        const QStringList aside = QDir(QFileInfo(home.folder()).absolutePath())
+                                      .entryList({u"Trestle (before restore *)"_s}, QDir::Dirs);
+        QCOMPARE(aside.size(), 1);
+        QCOMPARE(
+            digest(QFileInfo(home.folder()).absolutePath() + u'/' + aside.first() + u"/trestle.sqlite"_s),
+            damaged);
+        const Run info = trestle(home, {u"info"_s});
+        QCOMPARE(info.code, 0);
+        QVERIFY(info.out.contains(u"Grand Valley Builders"));
+    }
+
     // A verb that cannot write says why and never claims success.
     void verbOnFullDisk()
     {
