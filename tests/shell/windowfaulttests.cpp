@@ -260,7 +260,13 @@ private Q_SLOTS:
             for (auto it = expected.cbegin(); it != expected.cend(); ++it) {
                 const auto rec = db.get(it.key());
                 QVERIFY2(rec.has_value(), "an edit the window confirmed was lost");
-                QCOMPARE(rec->f.value(u"notes"), it.value());
+                // The confirmed value, or one written after it whose report the kill cut off.
+                auto order = [](const QString &v) {
+                    return std::pair(v.section(u'.', 0, 0).toInt(), v.section(u'.', 1, 1).toInt());
+                };
+                const QString onDisk = rec->f.value(u"notes");
+                QVERIFY2(onDisk == it.value() || order(onDisk) > order(it.value()),
+                         qPrintable(onDisk + u" older than "_s + it.value()));
                 ++confirmed;
             }
         }
