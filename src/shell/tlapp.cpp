@@ -15,6 +15,7 @@
 #include <QtCore/QTextStream>
 #include <QtCore/QTimer>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
@@ -147,6 +148,9 @@ int run(int &argc, char **argv)
     QApplication::setApplicationName(u"Trestle"_s);
     QApplication::setApplicationDisplayName(u"Fenwright Trestle"_s);
     QApplication::setApplicationVersion(QStringLiteral(TRESTLE_VERSION));
+    // The id names the installed .desktop file: Wayland finds the window's icon and menu entry by it.
+    QGuiApplication::setDesktopFileName(u"com.fenwright.Trestle"_s);
+    QApplication::setWindowIcon(QIcon(u":/com.fenwright.Trestle.svg"_s));
     // One window per data folder: a second start brings the first to the front.
     SingleInstance single(DB::appFolder());
     QString claimMessage;
