@@ -93,15 +93,6 @@ int backup(const QStringList &args, QTextStream &out, QTextStream &err)
     return 0;
 }
 
-// Whether a window holds the data folder, in which case a restore must not
-// move the folder from under it; says so on `err`.
-// The one place where restore asks; to be answered by the data-folder lock.
-bool windowHoldsFolder(QTextStream &err)
-{
-    Q_UNUSED(err);
-    return false;
-}
-
 int restore(const QStringList &args, QTextStream &out, QTextStream &err)
 {
     if (args.size() != 2 || !args.contains(u"--yes"_s)) {
@@ -112,8 +103,6 @@ int restore(const QStringList &args, QTextStream &out, QTextStream &err)
         return usage(err, u"restore"_s);
     }
     const QString from = args.at(0) == u"--yes" ? args.at(1) : args.at(0);
-    if (windowHoldsFolder(err))
-        return 1;
     // The store is never opened: the folder is swapped under nobody.
     const Backup::Result r = QFileInfo(from).isDir() ? Snapshots::restore(from, DB::appFolder())
                                                      : Backup::restore(from, DB::appFolder());
@@ -151,7 +140,7 @@ int snapshots(const QStringList &args, QTextStream &out, QTextStream &err)
 }
 
 const Verbs::Register regSample({u"sample"_s, QString(), u"Load the sample company beside the others"_s,
-                                 &sample});
+                                 &sample, true});
 const Verbs::Register regQB({u"export-qb"_s, u"<dir> [--project <number>]"_s,
                              u"Write the QuickBooks IIF and CSV files into a dated folder"_s, &exportQB});
 const Verbs::Register regCSV({u"export-csv"_s, u"<dir>"_s,
@@ -161,7 +150,7 @@ const Verbs::Register
                u"Save one .zip with every company, record, photo, document and plan sheet"_s, &backup});
 const Verbs::Register regRestore(
     {u"restore"_s, u"<file.zip|snapshot folder> --yes"_s,
-     u"Replace all data with a backup or a snapshot (the old data is kept beside it)"_s, &restore});
+     u"Replace all data with a backup or a snapshot (the old data is kept beside it)"_s, &restore, true});
 const Verbs::Register regSnapshot({u"snapshot"_s, QString(),
                                    u"Take a snapshot of all data now and print its folder"_s, &snapshot});
 const Verbs::Register regSnapshots({u"snapshots"_s, QString(),

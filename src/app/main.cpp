@@ -3,12 +3,15 @@
 
 #include "screens/screens.h"
 #include "shell/tlapp.h"
+#include "store/db.h"
+#include "store/folderlock.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
 #include <QtGui/QGuiApplication>
 
 #include <cstdio>
+#include <cstdlib>
 
 using namespace Qt::StringLiterals;
 
@@ -53,5 +56,37 @@ int main(int argc, char *argv[])
         err << "trestle: unknown verb \"" << name << "\" (see trestle --help)\n";
         return 2;
     }
-    return verb->run(args, out, err);
+    // A verb that writes never runs beside a window, and no window starts beside it.
+    FolderLock::Hold hold;
+    if (verb->writes) {
+        QString holder, problem;
+        if (!hold.take(DB::appFolder(), &holder, &problem)) {
+            if (!holder.isEmpty())
+                err << "trestle: Trestle is open on " << DB::appFolder() << " in " << holder
+                    << "; close its window, then run " << name << " again\n";
+            else
+                err << "trestle: " << problem << '\n';
+            return 1;
+        }
+    }
+    // A store that did not open is never read as if it were empty, nor written.
+    DB::openedHook() = [&err](DB &db) {
+        if (db.isOpen())
+            return;
+        err << "trestle: " << db.openProblem() << '\n';
+        err.flush();
+        std::exit(1);
+    };
+    // What a verb reports is printed only once its changes are known to be on disk.
+    QString report;
+    QTextStream held(&report);
+    const int code = verb->run(args, held, err);
+    held.flush();
+    if (DB *db = DB::sharedIfOpened(); db && db->unsavedCount() > 0 && !db->retryUnsaved()) {
+        err << "trestle: could not save to " << db->path() << ": " << db->unsavedCause() << " ("
+            << db->unsavedCount() << (db->unsavedCount() == 1 ? " change" : " changes") << " not written)\n";
+        return 1;
+    }
+    out << report;
+    return code;
 }

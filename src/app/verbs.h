@@ -13,6 +13,8 @@ struct Verb
     QString usage;   // the arguments, for --help
     QString summary; // one line for --help
     Run run;
+    // Writes the data folder: refused while a window holds it, and run holding its lock.
+    bool writes = false;
 };
 // Every verb, sorted by name.
 QList<Verb> all();

@@ -203,11 +203,59 @@ HelpPage backup()
         }};
 }
 
+HelpPage safety()
+{
+    return {
+        u"safety"_s,
+        u"Keeping Your Data Safe"_s,
+        u"clock.arrow.circlepath"_s,
+        {
+            B::makeHeading(u"Saving"_s),
+            B::makeText(u"There is no Save button: every change is written to the data file the moment you "
+                        u"make it. When the disk is full, the folder is read-only, the file is locked by "
+                        u"another program or the disk reports an error, the change is kept in the window and "
+                        u"a red banner at the top says why and how many changes wait. Trestle keeps trying "
+                        u"every few seconds and on your next change; the banner goes away once they are "
+                        u"written."_s),
+            B::makeControl(u"Try Again"_s,
+                           u"In the banner: writes the waiting changes now, for example right "
+                           u"after you freed some disk space."_s),
+            B::makeText(
+                u"Closing the window while changes wait asks first: try again, or save them to a file "
+                u"somewhere else (another disk or a USB drive) so that nothing is lost."_s),
+            B::makeHeading(u"One window at a time"_s),
+            B::makeText(u"Trestle runs in one window per computer account. Starting it again brings the open "
+                        u"window to the front. While it is open, command-line jobs that change the data "
+                        u"(loading the sample, restoring) wait until it is closed; backups and exports keep "
+                        u"working beside it."_s),
+            B::makeHeading(u"Snapshots"_s),
+            B::makeText(
+                u"Once a day, when Trestle starts, it keeps a copy of all the data in the folder "
+                u"\"Trestle Snapshots\" beside the data folder. The newest 14 daily snapshots and one "
+                u"per month for a year are kept; older ones are removed. File \u25B8 Restore From "
+                u"Snapshot\u2026 brings one back, for example after a project was deleted by "
+                u"mistake."_s),
+            B::makeHeading(u"Backups"_s),
+            B::makeText(
+                u"Snapshots live on the same disk as the data. Back Up Everything\u2026 (Ctrl+B) saves "
+                u"one .zip you can keep on another disk; see Backup, Restore & Export."_s),
+            B::makeHeading(u"When the data file is damaged"_s),
+            B::makeText(u"If the data file cannot be read (a disk fault, a copy cut short), Trestle does not "
+                        u"touch it and does not start over. It opens on a recovery screen that says what is "
+                        u"wrong and offers the ways back: restore the newest good snapshot, restore from a "
+                        u"backup .zip, open the data folder, or quit. A restore keeps the damaged data aside "
+                        u"in a folder named \"Trestle (before restore \u2026)\"."_s),
+            B::makeTip(
+                u"A snapshot guards against mistakes and a damaged file; only a backup on another disk "
+                u"guards against losing the computer."_s),
+        }};
+}
+
 } // namespace
 
 QList<HelpPage> guidePages()
 {
-    return {quickstart(), keys(), companies(), printing(), backup()};
+    return {quickstart(), keys(), companies(), printing(), backup(), safety()};
 }
 
 } // namespace TLHelp

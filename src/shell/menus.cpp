@@ -34,6 +34,11 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
     m->addAction(u"Restore From Snapshot…"_s, w, [w, &db] { SnapshotActions::restore(w, db); });
     m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
     m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
+    // A store that did not open takes nothing new; only the ways back stay.
+    if (!db.isOpen())
+        for (QAction *a : m->actions())
+            if (!a->isSeparator() && a->text() != u"Restore From Backup…")
+                a->setEnabled(false);
     m->addSeparator();
     m->addAction(u"Page Setup…"_s, QKeySequence(u"Ctrl+Shift+P"_s), w, [w] { PrintSetup::pageSetup(w); });
     QAction *print =
@@ -57,10 +62,12 @@ void goMenu(TLWindow *w, DB &db, Nav &nav)
             a->setShortcut(QKeySequence(u"Ctrl+"_s + QString::number(position)));
     }
     m->addSeparator();
-    m->addAction(u"Load Sample Company"_s, w, [&db, &nav] {
+    QAction *sample = m->addAction(u"Load Sample Company"_s, w, [&db, &nav] {
         TLApp::loadSample(db);
         nav.setModule(u"hub"_s);
     });
+    sample->setEnabled(db.isOpen());
+    m->setEnabled(db.isOpen());
 }
 
 void viewMenu(TLWindow *w)

@@ -2,6 +2,7 @@
 
 #include "modulearea.h"
 #include "nav.h"
+#include "singleinstance.h"
 #include "snapshotdialog.h"
 #include "tlmain.h"
 #include "tlwindow.h"
@@ -14,8 +15,10 @@
 
 #include <QtCore/QTextStream>
 #include <QtCore/QTimer>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QMessageBox>
 
 #include <cmath>
 #include <cstring>
@@ -56,8 +59,9 @@ void loadSample(DB &db)
 
 void ensureCompany(DB &db)
 {
-    // Only "no company at all" counts, so a deleted sample comes back on the next start.
-    if (db.count(u"company"_s) == 0)
+    // Only "no company at all" counts, so a deleted sample comes back on the next start;
+    // a file that did not open cleanly, or opened only for reading, never gets one.
+    if (db.isOpen() && !db.readOnly() && db.count(u"company"_s) == 0)
         loadSample(db);
 }
 
@@ -148,6 +152,23 @@ int run(int &argc, char **argv)
     // The id names the installed .desktop file: Wayland finds the window's icon and menu entry by it.
     QGuiApplication::setDesktopFileName(u"com.fenwright.Trestle"_s);
     QApplication::setWindowIcon(QIcon(u":/com.fenwright.Trestle.svg"_s));
+    // One window per data folder: a second start brings the first to the front.
+    SingleInstance single(DB::appFolder());
+    QString claimMessage;
+    switch (single.claim(&claimMessage)) {
+    case SingleInstance::Claim::Raised:
+        QTextStream(stderr) << claimMessage << Qt::endl;
+        // A picture was asked for and none was taken.
+        return app.arguments().value(1) == u"--screenshot" ? 1 : 0;
+    case SingleInstance::Claim::HeldElsewhere:
+        QTextStream(stderr) << claimMessage << Qt::endl;
+        if (QGuiApplication::platformName() != u"offscreen")
+            QMessageBox::information(nullptr, u"Trestle is already open"_s, claimMessage);
+        return 1;
+    case SingleInstance::Claim::NoLock:
+        // A folder that cannot take a lock cannot take records either; the store says so.
+    case SingleInstance::Claim::Mine: break;
+    }
     if (helpPagesHook())
         helpPagesHook()();
     DB &db = DB::shared();
@@ -192,6 +213,7 @@ int run(int &argc, char **argv)
     }
 
     TLWindow window(db, nav);
+    QObject::connect(&single, &SingleInstance::raiseRequested, &window, &TLWindow::bringToFront);
     if (shot.size.isValid())
         window.resize(shot.size);
     window.show();

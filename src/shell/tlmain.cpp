@@ -4,6 +4,8 @@
 #include "modulearea.h"
 #include "modulerail.h"
 #include "nav.h"
+#include "recoveryscreen.h"
+#include "savebanner.h"
 #include "sheets.h"
 
 #include "look/fwui.h"
@@ -19,16 +21,26 @@ TLMain::TLMain(DB &db, Nav &nav, QWidget *parent)
     , m_header(new HeaderBar(db, nav, this))
     , m_rail(new ModuleRail(db, nav, this))
     , m_area(new ModuleArea(db, nav, this))
+    , m_banner(new SaveBanner(db, this))
 {
     auto *box = new QVBoxLayout(this);
     box->setContentsMargins(0, 0, 0, 0);
     box->setSpacing(0);
     box->addWidget(m_header);
+    box->addWidget(m_banner);
     auto *row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);
     row->addWidget(m_rail);
     row->addWidget(m_area, 1);
+    if (!db.isOpen()) {
+        // Nothing of the books can be shown or edited: only the ways back.
+        m_recovery = new RecoveryScreen(db, this);
+        for (QWidget *w : {static_cast<QWidget *>(m_header), static_cast<QWidget *>(m_rail),
+                           static_cast<QWidget *>(m_area)})
+            w->hide();
+        row->addWidget(m_recovery, 1);
+    }
     box->addLayout(row, 1);
     connect(m_header, &HeaderBar::helpRequested, this, &TLMain::helpRequested);
     connect(&db, &DB::changed, this, &TLMain::scheduleRefresh);
@@ -52,6 +64,8 @@ void TLMain::scheduleRefresh()
 void TLMain::refresh()
 {
     m_pending = false;
+    if (m_recovery)
+        return;
     ++m_refreshes;
     m_header->refresh();
     m_rail->refresh();
@@ -132,7 +146,7 @@ void TLMain::paintEvent(QPaintEvent *)
         p.drawLine(0, y, width(), y);
     }
     // The rail sits on a darker strip with a light edge.
-    if (m_rail) {
+    if (m_rail && m_rail->isVisible()) {
         const QRect r = m_rail->geometry();
         QColor strip = t.deep;
         strip.setAlphaF(0.55);

@@ -4,7 +4,12 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSaveFile>
 #include <QtCore/QStandardPaths>
+#include <QtCore/QTimer>
 
 #include <sqlite3.h>
 
@@ -19,6 +24,7 @@ const QString kUserKey = u"tl.user"_s;
 
 DB::DB(const std::optional<QString> &path, QObject *parent)
     : QObject(parent)
+    , m_retry(new QTimer(this))
 {
     m_inMemory = !path.has_value();
     if (m_inMemory) {
@@ -27,18 +33,106 @@ DB::DB(const std::optional<QString> &path, QObject *parent)
         m_filesRoot = QFileInfo(*path).absoluteDir().filePath(u"files"_s);
         m_companyID = Settings::text(kCompanyKey);
         m_userID = Settings::text(kUserKey);
+        m_path = QFileInfo(*path).absoluteFilePath();
     }
-    const QByteArray file = m_inMemory ? QByteArray(":memory:") : QFile::encodeName(*path);
-    sqlite3_open(file.constData(), &m_db);
-    // Another copy of the program writing at the same moment waits its turn
-    // instead of failing the write.
-    sqlite3_busy_timeout(m_db, 5000);
-    exec("PRAGMA journal_mode=WAL");
-    exec("CREATE TABLE IF NOT EXISTS recs (id TEXT PRIMARY KEY, company TEXT, kind TEXT, project TEXT, "
-         "parent TEXT, json TEXT NOT NULL)");
-    exec("CREATE INDEX IF NOT EXISTS recs_kind ON recs(company, kind)");
-    load();
+    // Waiting changes are tried again a moment later, whether or not the user writes again.
+    m_retry->setSingleShot(true);
+    m_retry->setInterval(2000);
+    connect(m_retry, &QTimer::timeout, this, [this] { retryUnsaved(); });
+    if (m_inMemory) {
+        sqlite3_open(":memory:", &m_db);
+        sqlite3_extended_result_codes(m_db, 1);
+        exec("CREATE TABLE IF NOT EXISTS recs (id TEXT PRIMARY KEY, company TEXT, kind TEXT, project TEXT, "
+             "parent TEXT, json TEXT NOT NULL)");
+        exec("CREATE INDEX IF NOT EXISTS recs_kind ON recs(company, kind)");
+    } else if (!openFile(m_path)) {
+        // The user's choice of company stays as it was for when the data comes back.
+        return;
+    }
+    if (!load())
+        return;
     repairSelection();
+}
+
+bool DB::refuse(OpenState state, const QString &problem)
+{
+    m_openState = state;
+    m_openProblem = problem;
+    m_lastCode = SQLITE_CANTOPEN;
+    closeConnection();
+    m_recs.clear();
+    m_index.clear();
+    return false;
+}
+
+bool DB::openFile(const QString &path)
+{
+    const QString shown = QDir::toNativeSeparators(path);
+    const QFileInfo info(path);
+    const bool exists = info.exists();
+    if (exists && !info.isReadable())
+        return refuse(OpenState::Unopenable, u"Trestle has no permission to read "_s + shown + u'.');
+    // A file the user marked read-only is only read, even by a user the system would let write it.
+    const auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+    const bool markedReadOnly = exists && (!(info.permissions() & anyWrite) || !info.isWritable());
+    const int flags = markedReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    int rc = sqlite3_open_v2(QFile::encodeName(path).constData(), &m_db, flags, nullptr);
+    if (rc != SQLITE_OK) {
+        const QString why =
+            QFileInfo(info.absolutePath()).isDir() ? plainCause(rc) : u"its folder does not exist"_s;
+        return refuse(OpenState::Unopenable, u"Trestle could not open "_s + shown + u": "_s + why + u'.');
+    }
+    sqlite3_extended_result_codes(m_db, 1);
+    // Until the file has passed its check, closing must not fold a write-ahead log into it.
+    sqlite3_db_config(m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    // Another program reading the file at the same moment is waited for.
+    sqlite3_busy_timeout(m_db, 5000);
+    auto unreadable = [&](int code) {
+        const int primary = code & 0xff;
+        if (primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_FORMAT)
+            return refuse(OpenState::Damaged, shown + u" is damaged: it cannot be read as Trestle data."_s);
+        return refuse(OpenState::Unopenable,
+                      u"Trestle could not read "_s + shown + u": "_s + plainCause(code) + u'.');
+    };
+    if (exists && info.size() > 0) {
+        sqlite3_stmt *check = nullptr;
+        rc = sqlite3_prepare_v2(m_db, "PRAGMA quick_check", -1, &check, nullptr);
+        if (rc != SQLITE_OK) {
+            sqlite3_finalize(check);
+            return unreadable(rc);
+        }
+        rc = sqlite3_step(check);
+        const auto *first = reinterpret_cast<const char *>(sqlite3_column_text(check, 0));
+        const bool ok = rc == SQLITE_ROW && first && qstrcmp(first, "ok") == 0;
+        sqlite3_finalize(check);
+        if (rc != SQLITE_ROW && rc != SQLITE_DONE)
+            return unreadable(rc);
+        if (!ok)
+            return refuse(OpenState::Damaged, shown + u" is damaged: its own check found broken pages."_s);
+    }
+    if (const qint64 pages = qEnvironmentVariable("TRESTLE_MAX_PAGES").toLongLong(); pages > 0)
+        setPageLimit(pages);
+    exec("PRAGMA journal_mode=WAL");
+    rc = exec("CREATE TABLE IF NOT EXISTS recs (id TEXT PRIMARY KEY, company TEXT, kind TEXT, project TEXT, "
+              "parent TEXT, json TEXT NOT NULL)");
+    if (rc != SQLITE_OK)
+        return unreadable(rc);
+    exec("CREATE INDEX IF NOT EXISTS recs_kind ON recs(company, kind)");
+    sqlite3_db_config(m_db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
+    return true;
+}
+
+bool DB::readOnly() const
+{
+    return m_db && sqlite3_db_readonly(m_db, "main") == 1;
+}
+
+void DB::setPageLimit(qint64 pages)
+{
+    if (!m_db)
+        return;
+    const QByteArray sql = "PRAGMA max_page_count=" + QByteArray::number(pages > 0 ? pages : 4294967294LL);
+    exec(sql.constData());
 }
 
 DB::~DB()
@@ -48,16 +142,34 @@ DB::~DB()
         QDir(m_filesRoot).removeRecursively();
 }
 
+namespace {
+DB *sharedStore = nullptr;
+}
+
 DB &DB::shared()
 {
     // Never destroyed: freeing years of records would only slow down every
     // quit. The connection is closed at exit so the WAL is folded back in.
     static DB *instance = [] {
         auto *db = new DB(QDir(appFolder()).filePath(u"trestle.sqlite"_s));
-        std::atexit([] { instance->closeConnection(); });
+        sharedStore = db;
+        std::atexit([] { sharedStore->closeConnection(); });
+        if (openedHook())
+            openedHook()(*db);
         return db;
     }();
     return *instance;
+}
+
+DB *DB::sharedIfOpened()
+{
+    return sharedStore;
+}
+
+std::function<void(DB &)> &DB::openedHook()
+{
+    static std::function<void(DB &)> hook;
+    return hook;
 }
 
 QString DB::appFolder()
@@ -80,6 +192,8 @@ void DB::closeConnection()
 {
     sqlite3_finalize(m_insert);
     m_insert = nullptr;
+    sqlite3_finalize(m_delete);
+    m_delete = nullptr;
     sqlite3_close(m_db);
     m_db = nullptr;
 }
@@ -90,12 +204,17 @@ void DB::checkpoint()
         exec("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
-void DB::exec(const char *sql)
+int DB::exec(const char *sql)
 {
-    sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr);
+    if (!m_db)
+        return SQLITE_MISUSE;
+    const int rc = sqlite3_exec(m_db, sql, nullptr, nullptr, nullptr);
+    if (rc != SQLITE_OK)
+        m_lastCode = sqlite3_extended_errcode(m_db);
+    return rc;
 }
 
-void DB::load()
+bool DB::load()
 {
     std::unordered_map<QString, StoredRec> map;
     // Shares repeated texts while loading; dropped afterwards, since the texts
@@ -110,8 +229,9 @@ void DB::load()
     }
     sqlite3_finalize(stmt);
     stmt = nullptr;
-    if (sqlite3_prepare_v2(m_db, "SELECT json FROM recs", -1, &stmt, nullptr) == SQLITE_OK) {
-        while (sqlite3_step(stmt) == SQLITE_ROW) {
+    int rc = sqlite3_prepare_v2(m_db, "SELECT json FROM recs", -1, &stmt, nullptr);
+    if (rc == SQLITE_OK) {
+        while ((rc = sqlite3_step(stmt)) == SQLITE_ROW) {
             const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(stmt, 0));
             if (!text)
                 continue;
@@ -126,25 +246,39 @@ void DB::load()
         }
     }
     sqlite3_finalize(stmt);
+    if (rc != SQLITE_DONE && !m_inMemory) {
+        // Half a store is no store: showing it would invite edits on top of missing records.
+        const int primary = rc & 0xff;
+        const QString shown = QDir::toNativeSeparators(m_path);
+        if (primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR)
+            return refuse(OpenState::Damaged, shown + u" is damaged: its records cannot be read."_s);
+        return refuse(OpenState::Unopenable,
+                      u"Trestle could not read "_s + shown + u": "_s + plainCause(rc) + u'.');
+    }
     m_recs = std::move(map);
     m_index.clear();
     for (const auto &[id, stored] : m_recs)
         m_index.add(&stored);
     ++m_revision;
     Q_EMIT changed();
+    return true;
 }
 
 bool DB::write(const Rec &rec)
 {
+    if (!m_db) {
+        m_lastCode = SQLITE_CANTOPEN;
+        return false;
+    }
     const QByteArray json = RecJSON::encode(rec);
     if (!m_insert &&
         sqlite3_prepare_v3(m_db,
                            "INSERT OR REPLACE INTO recs (id, company, kind, project, parent, json) "
                            "VALUES (?,?,?,?,?,?)",
                            -1, SQLITE_PREPARE_PERSISTENT, &m_insert, nullptr) != SQLITE_OK) {
+        m_lastCode = sqlite3_extended_errcode(m_db);
         sqlite3_finalize(m_insert);
         m_insert = nullptr;
-        Q_EMIT writeFailed(QString::fromUtf8(sqlite3_errmsg(m_db)));
         return false;
     }
     const QByteArray cols[5] = {rec.id.toUtf8(), rec.company.toUtf8(), rec.kind.toUtf8(),
@@ -153,10 +287,115 @@ bool DB::write(const Rec &rec)
         sqlite3_bind_text(m_insert, k + 1, cols[k].constData(), int(cols[k].size()), SQLITE_TRANSIENT);
     sqlite3_bind_text(m_insert, 6, json.constData(), int(json.size()), SQLITE_TRANSIENT);
     const int rc = sqlite3_step(m_insert);
+    if (rc != SQLITE_DONE)
+        m_lastCode = sqlite3_extended_errcode(m_db);
     sqlite3_reset(m_insert);
     sqlite3_clear_bindings(m_insert);
-    if (rc != SQLITE_DONE) {
-        Q_EMIT writeFailed(QString::fromUtf8(sqlite3_errmsg(m_db)));
+    return rc == SQLITE_DONE;
+}
+
+bool DB::removeRow(const QString &id)
+{
+    if (!m_db) {
+        m_lastCode = SQLITE_CANTOPEN;
+        return false;
+    }
+    if (!m_delete && sqlite3_prepare_v3(m_db, "DELETE FROM recs WHERE id = ?", -1, SQLITE_PREPARE_PERSISTENT,
+                                        &m_delete, nullptr) != SQLITE_OK) {
+        m_lastCode = sqlite3_extended_errcode(m_db);
+        sqlite3_finalize(m_delete);
+        m_delete = nullptr;
+        return false;
+    }
+    const QByteArray rid = id.toUtf8();
+    sqlite3_bind_text(m_delete, 1, rid.constData(), int(rid.size()), SQLITE_TRANSIENT);
+    const int rc = sqlite3_step(m_delete);
+    if (rc != SQLITE_DONE)
+        m_lastCode = sqlite3_extended_errcode(m_db);
+    sqlite3_reset(m_delete);
+    return rc == SQLITE_DONE;
+}
+
+bool DB::writeBatch(const std::function<bool()> &body)
+{
+    if (!m_db) {
+        m_lastCode = SQLITE_CANTOPEN;
+        return false;
+    }
+    if (exec("BEGIN") != SQLITE_OK)
+        return false;
+    if (body() && exec("COMMIT") == SQLITE_OK)
+        return true;
+    // SQLite may have rolled the whole transaction back already; if not, the
+    // batch is undone here so that it is written whole or not at all.
+    if (!sqlite3_get_autocommit(m_db))
+        sqlite3_exec(m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    return false;
+}
+
+void DB::markUnsaved(const QStringList &ids)
+{
+    for (const QString &id : ids)
+        if (!m_unsaved.contains(id)) {
+            m_unsaved.insert(id);
+            m_unsavedOrder.append(id);
+        }
+    m_cause = m_openState == OpenState::Ok ? plainCause(m_lastCode) : m_openProblem;
+    m_retry->start();
+    Q_EMIT writeFailed(m_cause);
+    Q_EMIT unsavedChanged();
+}
+
+bool DB::retryUnsaved()
+{
+    if (m_unsavedOrder.isEmpty())
+        return true;
+    const bool ok = writeBatch([this] {
+        for (const QString &id : std::as_const(m_unsavedOrder)) {
+            const Rec *rec = find(id);
+            if (!(rec ? write(*rec) : removeRow(id)))
+                return false;
+        }
+        return true;
+    });
+    if (!ok) {
+        const QString cause = m_openState == OpenState::Ok ? plainCause(m_lastCode) : m_openProblem;
+        m_retry->start();
+        if (cause != m_cause) {
+            m_cause = cause;
+            Q_EMIT unsavedChanged();
+        }
+        return false;
+    }
+    m_unsavedOrder.clear();
+    m_unsaved.clear();
+    m_cause.clear();
+    m_retry->stop();
+    Q_EMIT unsavedChanged();
+    return true;
+}
+
+bool DB::saveUnsavedTo(const QString &file, QString *error) const
+{
+    QJsonArray records;
+    QJsonArray removed;
+    for (const QString &id : m_unsavedOrder) {
+        if (const Rec *rec = find(id))
+            records.append(QJsonDocument::fromJson(RecJSON::encode(*rec)).object());
+        else
+            removed.append(id);
+    }
+    QJsonObject top;
+    top.insert(u"trestleUnsaved"_s, 1);
+    top.insert(u"store"_s, m_path);
+    top.insert(u"savedAt"_s, QDateTime::currentDateTimeUtc().toString(Qt::ISODate));
+    top.insert(u"cause"_s, m_cause);
+    top.insert(u"records"_s, records);
+    top.insert(u"removed"_s, removed);
+    QSaveFile out(file);
+    if (!out.open(QIODevice::WriteOnly) || out.write(QJsonDocument(top).toJson()) < 0 || !out.commit()) {
+        if (error)
+            *error = out.errorString();
         return false;
     }
     return true;
@@ -310,21 +549,34 @@ void DB::save(const Rec &rec)
     Rec copy = rec;
     copy.updated = nowSeconds();
     put(copy);
-    write(copy);
+    // Earlier changes that wait go first, so the disk never holds a newer state before an older one.
+    if ((!m_unsavedOrder.isEmpty() && !retryUnsaved()) || !write(copy))
+        markUnsaved({copy.id});
     ++m_revision;
     Q_EMIT changed();
 }
 
 void DB::saveAll(const QList<Rec> &recs)
 {
-    exec("BEGIN");
+    QStringList ids;
+    ids.reserve(recs.size());
+    QList<Rec> copies;
+    copies.reserve(recs.size());
     for (const Rec &rec : recs) {
         Rec copy = rec;
         copy.updated = nowSeconds();
-        write(copy);
         put(copy);
+        ids.append(copy.id);
+        copies.append(std::move(copy));
     }
-    exec("COMMIT");
+    const bool ok = (m_unsavedOrder.isEmpty() || retryUnsaved()) && writeBatch([&] {
+                        for (const Rec &copy : std::as_const(copies))
+                            if (!write(copy))
+                                return false;
+                        return true;
+                    });
+    if (!ok)
+        markUnsaved(ids);
     ++m_revision;
     Q_EMIT changed();
 }
@@ -376,35 +628,37 @@ void DB::remove(const QString &id)
     for (qsizetype k = 0; k < queue.size(); ++k)
         addAll(m_index.byParent(queue.at(k)->rec.id));
 
-    exec("BEGIN");
-    sqlite3_stmt *del = nullptr;
-    sqlite3_prepare_v2(m_db, "DELETE FROM recs WHERE id = ?", -1, &del, nullptr);
-    for (const StoredRec *s : std::as_const(doomed)) {
-        const Rec *r = &s->rec;
-        const QString file = r->f.value(u"file");
-        if (!file.isEmpty())
-            QFile::remove(fileURL(file, r->company));
-        const QByteArray rid = r->id.toUtf8();
-        sqlite3_bind_text(del, 1, rid.constData(), int(rid.size()), SQLITE_TRANSIENT);
-        sqlite3_step(del);
-        sqlite3_reset(del);
-    }
-    sqlite3_finalize(del);
-    exec("COMMIT");
-
     QStringList ids;
     for (const StoredRec *s : std::as_const(doomed))
         ids.append(s->rec.id);
+    const bool ok = (m_unsavedOrder.isEmpty() || retryUnsaved()) && writeBatch([&] {
+                        for (const QString &rid : std::as_const(ids))
+                            if (!removeRow(rid))
+                                return false;
+                        return true;
+                    });
+    // The files go only once their records are gone from the disk, so a
+    // removal that waits can never leave a stored record without its file.
+    if (ok)
+        for (const StoredRec *s : std::as_const(doomed)) {
+            const QString file = s->rec.f.value(u"file");
+            if (!file.isEmpty())
+                QFile::remove(fileURL(file, s->rec.company));
+        }
+
     for (const QString &rid : std::as_const(ids)) {
         auto it = m_recs.find(rid);
         m_index.remove(&it->second);
         m_recs.erase(it);
     }
+    if (!ok)
+        markUnsaved(ids);
     ++m_revision;
     Q_EMIT changed();
 
     if (top.kind == u"company") {
-        QDir(QDir(m_filesRoot).filePath(id)).removeRecursively();
+        if (ok)
+            QDir(QDir(m_filesRoot).filePath(id)).removeRecursively();
         if (m_companyID == id) {
             const QList<Rec> rest = list(u"company"_s);
             setCompanyID(rest.isEmpty() ? QString() : rest.first().id);

@@ -4,12 +4,15 @@
 #include "recjson.h"
 
 #include <QtCore/QObject>
+#include <QtCore/QSet>
 
+#include <functional>
 #include <optional>
 #include <unordered_map>
 
 struct sqlite3;
 struct sqlite3_stmt;
+class QTimer;
 
 // The optional conditions of DB::list. An absent member means no filter; an
 // empty text is a real value that matches records holding the empty text.
@@ -23,6 +26,10 @@ struct RecFilter
 // The one record store: every record in SQLite and a complete copy in memory.
 // All reads come from memory; SQL only loads at start and writes through.
 // Every save, saveAll, remove and load emits changed() exactly once.
+// A write that fails leaves the change in memory, marked unsaved; unsaved
+// changes are written again, oldest first, before the next write and on a
+// short timer, and none is ever dropped. A file that is damaged at open is
+// never written: the store then holds no records and writes nothing.
 class DB : public QObject
 {
     Q_OBJECT
@@ -36,8 +43,46 @@ public:
 
     // The application's store on "trestle.sqlite" in the data folder.
     static DB &shared();
+    // The application's store when something has opened it already, else null.
+    static DB *sharedIfOpened();
+    // Called once with the application's store right after it opened (even
+    // when the file turned out damaged); the program decides what to do then.
+    static std::function<void(DB &)> &openedHook();
     // The private data folder, created (mode 0700) on first use.
     static QString appFolder();
+
+    // --- how the file opened ---
+    // Healthy; damaged (SQLite cannot read it as a database, or its quick check
+    // fails); or not opened at all (no permission, disk full, folder missing).
+    enum class OpenState { Ok, Damaged, Unopenable };
+    OpenState openState() const { return m_openState; }
+    bool isOpen() const { return m_openState == OpenState::Ok; }
+    // Why the file did not open, in plain words; empty when it did.
+    QString openProblem() const { return m_openProblem; }
+    // The database file; empty for an in-memory store.
+    QString path() const { return m_path; }
+    // Whether the file could only be opened for reading (marked read-only).
+    bool readOnly() const;
+    // SQLite's words for any failure in plain words ("the disk is full").
+    static QString plainCause(int sqliteCode);
+
+    // --- changes that did not reach the disk ---
+    // How many records wait to be written (or removed) after a failed write.
+    qsizetype unsavedCount() const { return m_unsavedOrder.size(); }
+    bool isUnsaved(const QString &id) const { return m_unsaved.contains(id); }
+    // Why the last write failed, in plain words; empty when nothing waits.
+    QString unsavedCause() const { return m_cause; }
+    // Writes every waiting change now, oldest first, in one transaction;
+    // true when nothing waits any more.
+    bool retryUnsaved();
+    // Writes the waiting changes to `file` (JSON: the records as they are now
+    // and the ids still to be removed), replacing it whole; false with a
+    // reason in `error` when the file cannot be written.
+    bool saveUnsavedTo(const QString &file, QString *error = nullptr) const;
+    // Lets the database file grow to at most `pages` pages (0: no cap); a
+    // write that needs more fails as on a full disk. For drills and tests;
+    // TRESTLE_MAX_PAGES sets it at open.
+    void setPageLimit(qint64 pages);
 
     // --- records ---
     // The record `id`, or nothing; the empty id gives nothing.
@@ -112,15 +157,23 @@ public:
 Q_SIGNALS:
     void changed();
     void selectionChanged();
-    // A write did not reach the disk; the change stays in memory for this run.
-    void writeFailed(const QString &message);
+    // A write did not reach the disk (the cause in plain words); the change
+    // stays in memory, marked unsaved, until it can be written.
+    void writeFailed(const QString &cause);
+    // The number of unsaved changes or their cause changed.
+    void unsavedChanged();
 
 private:
     quint64 m_revision = 0;
-    void load();
+    bool openFile(const QString &path);
+    bool refuse(OpenState state, const QString &problem);
+    bool load();
     bool write(const Rec &rec);
+    bool removeRow(const QString &id);
+    bool writeBatch(const std::function<bool()> &body);
+    void markUnsaved(const QStringList &ids);
     void put(const Rec &rec);
-    void exec(const char *sql);
+    int exec(const char *sql);
     void closeConnection();
     void repairSelection();
     template<class Fn> void eachMatch(const QString &kind, const RecFilter &filter, Fn &&fn) const;
@@ -134,6 +187,17 @@ private:
     QString m_userID;
     sqlite3 *m_db = nullptr;
     sqlite3_stmt *m_insert = nullptr;
+    sqlite3_stmt *m_delete = nullptr;
     bool m_inMemory = true;
     QString m_filesRoot;
+    QString m_path;
+    OpenState m_openState = OpenState::Ok;
+    QString m_openProblem;
+    // Ids whose current state (the record in memory, or its absence) is not
+    // yet on disk, in the order they first failed.
+    QStringList m_unsavedOrder;
+    QSet<QString> m_unsaved;
+    QString m_cause;
+    int m_lastCode = 0;
+    QTimer *m_retry = nullptr;
 };
