@@ -343,6 +343,19 @@ private Q_SLOTS:
         const Run info = trestle(home, {u"info"_s});
         QCOMPARE(info.code, 0);
         QVERIFY2(info.out.contains(u"Grand Valley Builders"), qPrintable(info.out));
+
+        // A new window takes over the killed one's stale lock and socket.
+        QProcess next;
+        next.setProcessEnvironment(home.env());
+        next.start(QStringLiteral(TRESTLE_BINARY), QStringList{});
+        QVERIFY(next.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(FolderLock::windowHolds(home.folder()), 20000);
+        QTest::qWait(500);
+        const Run third = trestle(home, {});
+        QCOMPARE(third.code, 0);
+        QVERIFY2(third.err.contains(u"brought to the front"), qPrintable(third.err));
+        next.kill();
+        next.waitForFinished();
     }
 
     // Every verb on a damaged file: one line naming it, exit 1, nothing printed as done.
