@@ -37,7 +37,7 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
     // A store that did not open takes nothing new; only the ways back stay.
     if (!db.isOpen())
         for (QAction *a : m->actions())
-            if (!a->isSeparator() && a->text() != u"Restore From Backup…")
+            if (!a->isSeparator() && !a->text().startsWith(u"Restore From "_s))
                 a->setEnabled(false);
     m->addSeparator();
     m->addAction(u"Page Setup…"_s, QKeySequence(u"Ctrl+Shift+P"_s), w, [w] { PrintSetup::pageSetup(w); });

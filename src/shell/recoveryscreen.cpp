@@ -2,7 +2,9 @@
 
 #include "fieldeditors.h"
 #include "fileactions.h"
+#include "snapshotdialog.h"
 
+#include "look/alert.h"
 #include "look/buttons.h"
 #include "look/fwui.h"
 #include "look/icons.h"
@@ -10,9 +12,11 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QLocale>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QScrollArea>
 
 using namespace Qt::StringLiterals;
@@ -38,8 +42,9 @@ RecoveryScreen::RecoveryScreen(DB &db, QWidget *parent)
     scroll->setWidgetResizable(true);
     scroll->viewport()->setAutoFillBackground(false);
     auto *page = new QWidget(scroll);
-    page->setAutoFillBackground(false);
     scroll->setWidget(page);
+    page->setAutoFillBackground(false); // setWidget turns it on; the backdrop shows through
+
     FieldLook::thinScrollBars(scroll);
     auto *whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
@@ -59,11 +64,28 @@ RecoveryScreen::RecoveryScreen(DB &db, QWidget *parent)
     column->addStretch(2);
 
     const QString folder = QFileInfo(db.path()).absolutePath();
+    // The newest good snapshot first: the quickest way back to yesterday's books.
+    m_snapshots = Snapshots::list(folder);
+    const QDateTime now = QDateTime::currentDateTime();
+    for (qsizetype k = 0; k < m_snapshots.size(); ++k) {
+        const Snapshots::Info info = m_snapshots.at(k);
+        addChoice(
+            k == 0 ? u"Restore Newest Snapshot"_s : u"Restore This Snapshot"_s,
+            k == 0 ? u"clock.arrow.circlepath"_s : QString(), describe(info, now),
+            [this, info, folder] { restoreSnapshot(info, folder); }, k == 0);
+    }
+    if (m_snapshots.isEmpty())
+        m_none = new QLabel(
+            u"There is no snapshot beside the data folder yet, so the way back is a backup."_s, this);
+    if (m_none) {
+        m_none->setWordWrap(true);
+        m_choices->addWidget(m_none);
+    }
     addChoice(
         u"Restore From Backup…"_s, u"externaldrive.fill"_s,
         u"Choose a backup .zip. The data now in the folder is kept aside as \u201c"_s +
             QFileInfo(folder).fileName() + u" (before restore \u2026)\u201d, as every restore does."_s,
-        [this] { FileActions::restore(window(), m_db); }, true);
+        [this] { FileActions::restore(window(), m_db); }, m_snapshots.isEmpty());
     addChoice(u"Open Data Folder"_s, u"folder.fill"_s,
               QDir::toNativeSeparators(folder) + u": look at the file or copy it somewhere safe."_s,
               [file = db.path()] { FileActions::reveal(file); });
@@ -71,6 +93,35 @@ RecoveryScreen::RecoveryScreen(DB &db, QWidget *parent)
               [] { QApplication::closeAllWindows(); });
     restyle();
     connect(&FWUI::shared(), &FWUI::changed, this, &RecoveryScreen::restyle);
+}
+
+QString RecoveryScreen::describe(const Snapshots::Info &info, const QDateTime &now)
+{
+    const QString records =
+        info.records == 1 ? u"1 record"_s : QLocale(QLocale::English).toString(info.records) + u" records"_s;
+    return QLocale(QLocale::English).toString(info.taken, u"dddd d MMMM yyyy, HH:mm"_s) + u" \u00B7 "_s +
+           SnapshotDialog::age(info.taken, now) + u" \u00B7 "_s + records;
+}
+
+void RecoveryScreen::restoreSnapshot(const Snapshots::Info &info, const QString &dataFolder)
+{
+    QMessageBox ask(QMessageBox::Warning, u"Restore from a snapshot?"_s, u"Restore from a snapshot?"_s,
+                    QMessageBox::NoButton, window());
+    ask.setInformativeText(
+        u"This replaces ALL companies and data on this computer with the snapshot of "_s +
+        QLocale(QLocale::English).toString(info.taken, u"d MMMM yyyy, HH:mm"_s) +
+        u". The data there now is kept aside. The app quits when it's done; open it again."_s);
+    QPushButton *go = ask.addButton(u"Restore"_s, QMessageBox::AcceptRole);
+    ask.addButton(u"Cancel"_s, QMessageBox::RejectRole);
+    ask.exec();
+    if (ask.clickedButton() != go)
+        return;
+    const Backup::Result result = Snapshots::restore(info.path, dataFolder);
+    if (result.ok) {
+        QApplication::exit(0);
+        return;
+    }
+    FWAlert::show(window(), result.title.isEmpty() ? u"Restore failed"_s : result.title, result.message);
 }
 
 QString RecoveryScreen::title(const DB &db)
@@ -119,6 +170,10 @@ void RecoveryScreen::restyle()
     m_text->setPalette(p);
     p.setColor(QPalette::WindowText, t.dim);
     m_ways->setPalette(p);
+    if (m_none) {
+        m_none->setFont(ui.font(12));
+        m_none->setPalette(p);
+    }
     for (QLabel *l : std::as_const(m_details)) {
         l->setFont(ui.font(12));
         l->setPalette(p);

@@ -1,4 +1,6 @@
 #pragma once
+#include "interchange/snapshots.h"
+
 #include <QtWidgets/QWidget>
 
 class DB;
@@ -17,9 +19,15 @@ public:
     // The title and the explanation shown, for the store's state.
     static QString title(const DB &db);
     static QString explanation(const DB &db);
+    // One snapshot as the screen lists it: when, how long ago, how many records.
+    static QString describe(const Snapshots::Info &info, const QDateTime &now);
+    // The snapshots offered, newest first.
+    const QList<Snapshots::Info> &snapshots() const { return m_snapshots; }
 
 private:
     void restyle();
+    // Asks as a restore from a backup does, then restores and quits.
+    void restoreSnapshot(const Snapshots::Info &info, const QString &dataFolder);
     // Adds a choice: a button and a line that says what it does.
     void addChoice(const QString &button, const QString &symbol, const QString &detail,
                    const std::function<void()> &action, bool prominent = false);
@@ -32,4 +40,6 @@ private:
     QHBoxLayout *m_page = nullptr;
     QVBoxLayout *m_column = nullptr;
     QList<QLabel *> m_details;
+    QList<Snapshots::Info> m_snapshots;
+    QLabel *m_none = nullptr;
 };

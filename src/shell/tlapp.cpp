@@ -173,7 +173,7 @@ int run(int &argc, char **argv)
         helpPagesHook()();
     DB &db = DB::shared();
     // The day's snapshot holds the store as it was before this run wrote anything.
-    if (app.arguments().value(1) != u"--screenshot")
+    if (app.arguments().value(1) != u"--screenshot" && db.isOpen())
         SnapshotActions::startOfDay(db);
     ensureCompany(db);
     Nav &nav = Nav::shared();

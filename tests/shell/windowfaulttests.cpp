@@ -3,6 +3,7 @@
 // program itself (second window, writing verbs beside it, damaged store).
 #include "testmain.h"
 
+#include "interchange/snapshots.h"
 #include "shell/modulearea.h"
 #include "shell/nav.h"
 #include "shell/recoveryscreen.h"
@@ -18,6 +19,8 @@
 #include <QtCore/QRandomGenerator>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
 
 #include <cstdio>
 
@@ -200,9 +203,15 @@ private Q_SLOTS:
         QFETCH(QString, how);
         QFETCH(QString, title);
         QTemporaryDir dir;
-        QString path = dir.filePath(u"trestle.sqlite"_s);
+        QString path = dir.filePath(u"Trestle/trestle.sqlite"_s);
+        QDir().mkpath(dir.filePath(u"Trestle"_s));
         if (how == u"damaged") {
             storeWithContact(path);
+            {
+                // Yesterday's copy, the way back the screen offers first.
+                DB db(path);
+                QVERIFY(Snapshots::make(db).ok);
+            }
             QFile f(path);
             QVERIFY(f.open(QIODevice::ReadWrite));
             f.resize(f.size() / 2);
@@ -223,7 +232,23 @@ private Q_SLOTS:
             QVERIFY(screen->isVisible());
             QVERIFY(!w.main()->area()->isVisible());
             QCOMPARE(RecoveryScreen::title(db), title);
+            QCOMPARE(screen->snapshots().size(), how == u"damaged" ? 1 : 0);
+            if (how == u"damaged") {
+                const QString line =
+                    RecoveryScreen::describe(screen->snapshots().first(), QDateTime::currentDateTime());
+                QVERIFY2(line.contains(u"today") && line.contains(u"25 records"), qPrintable(line));
+            }
             QVERIFY(RecoveryScreen::explanation(db).contains(path));
+            // The menus offer only the ways back.
+            QMenu *file = w.menuBar()->actions().first()->menu();
+            QStringList enabled;
+            for (QAction *a : file->actions())
+                if (!a->isSeparator() && a->isEnabled())
+                    enabled << a->text();
+            QCOMPARE(enabled.mid(0, 2),
+                     (QStringList{u"Restore From Backup…"_s, u"Restore From Snapshot…"_s}));
+            QVERIFY(!enabled.contains(u"New Project…"_s));
+            QVERIFY(!enabled.contains(u"Back Up Everything…"_s));
             QTest::qWait(50);
             QVERIFY(w.close());
         }
@@ -318,6 +343,19 @@ private Q_SLOTS:
         const Run info = trestle(home, {u"info"_s});
         QCOMPARE(info.code, 0);
         QVERIFY2(info.out.contains(u"Grand Valley Builders"), qPrintable(info.out));
+
+        // A new window takes over the killed one's stale lock and socket.
+        QProcess next;
+        next.setProcessEnvironment(home.env());
+        next.start(QStringLiteral(TRESTLE_BINARY), QStringList{});
+        QVERIFY(next.waitForStarted());
+        QTRY_VERIFY_WITH_TIMEOUT(FolderLock::windowHolds(home.folder()), 20000);
+        QTest::qWait(500);
+        const Run third = trestle(home, {});
+        QCOMPARE(third.code, 0);
+        QVERIFY2(third.err.contains(u"brought to the front"), qPrintable(third.err));
+        next.kill();
+        next.waitForFinished();
     }
 
     // Every verb on a damaged file: one line naming it, exit 1, nothing printed as done.
