@@ -33,9 +33,11 @@ QString fmt(qint64 cents, bool symbol)
 
 namespace {
 
+// The whitespace set without line ends: the tab and every Unicode space (the
+// no-break space of a pasted amount among them).
 bool isBlank(QChar c)
 {
-    return c == u' ' || c == u'\t';
+    return c == u'\t' || c.category() == QChar::Separator_Space;
 }
 
 QStringView trimmed(QStringView s)

@@ -72,6 +72,9 @@ qint64 minutesOf(const QString &time)
 
 double shiftHours(const QString &in, const QString &out, qint64 breakMin)
 {
+    // A card not clocked in or out yet has worked no hours, not a shift wrapped past midnight.
+    if (trimBlanks(in).isEmpty() || trimBlanks(out).isEmpty())
+        return 0;
     qint64 span = Money::sub(minutesOf(out), minutesOf(in));
     if (span < 0)
         span = Money::add(span, 1440); // past midnight, once; equal times are no shift at all

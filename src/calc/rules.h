@@ -40,6 +40,7 @@ LeveledBids levelBids(const QList<Bid> &bids);
 // Whole calendar days from `now`'s day to `expires`, judged against `warnDays`.
 Compliance complianceStatus(const std::optional<QDate> &expires, const QDate &now, int warnDays);
 // Hours worked between two HH:MM texts, past midnight wrapping once, less the break; two decimals.
+// A blank `in` or `out` (spaces and tabs only) is a shift not yet worked: 0 hours.
 double shiftHours(const QString &in, const QString &out, qint64 breakMin);
 // Minutes of an "HH:MM" text as the timecard reads it.
 qint64 minutesOf(const QString &time);

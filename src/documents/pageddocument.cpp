@@ -4,6 +4,7 @@
 #include "longtable.h"
 #include "pdfpages.h"
 #include "pdfwrite.h"
+#include "pointimages.h"
 #include "printengine.h"
 
 #include <QtCore/QBuffer>
@@ -26,18 +27,6 @@ namespace {
 constexpr double kLetterW = 612, kLetterH = 792;
 constexpr double kSheetDpi = 300;
 constexpr double kMaxSheetPixels = 80e6; // keeps a huge sheet's picture within memory
-
-// Text is laid out in points: on a 72-dpi PDF writer's metrics, so font points,
-// HTML sizes and page geometry all share one unit.
-QPaintDevice *pointDevice()
-{
-    static QPdfWriter *device = [] {
-        auto *writer = new QPdfWriter(new QBuffer);
-        writer->setResolution(72);
-        return writer;
-    }();
-    return device;
-}
 
 // Device units per point of the painter's device.
 double deviceScale(const QPainter &painter)
@@ -176,12 +165,26 @@ void PagedDocument::prepare()
     PrintEngine::blackOnWhite(*m_doc);
     m_doc->setDocumentMargin(0);
     m_doc->documentLayout()->setPaintDevice(pointDevice());
+    PointImages::install(*m_doc);
     for (QTextFrame *frame : m_doc->rootFrame()->childFrames())
         if (auto table = LongTable::take(*m_doc, qobject_cast<QTextTable *>(frame), pointDevice()))
             m_long.push_back(std::move(table));
+    // From here on the only edits are the page splits, undone before the next layout.
+    m_doc->setUndoRedoEnabled(true);
+    m_doc->clearUndoRedoStacks();
 }
 
 PagedDocument::~PagedDocument() = default;
+
+QPaintDevice *PagedDocument::pointDevice()
+{
+    static QPdfWriter *device = [] {
+        auto *writer = new QPdfWriter(new QBuffer);
+        writer->setResolution(72);
+        return writer;
+    }();
+    return device;
+}
 
 QPageLayout PagedDocument::letter(QPageLayout::Orientation orientation)
 {
@@ -201,6 +204,12 @@ void PagedDocument::layout(const QSizeF &pageSize)
     m_starts = {0};
     if (!m_doc)
         return;
+    // The blocks split at the last layout's page breaks are joined again, so
+    // each paper is laid out from the text as it came.
+    if (m_split) {
+        m_doc->undo();
+        m_split = false;
+    }
     m_doc->setPageSize(QSizeF(std::max(1.0, pageSize.width() - 2 * kSide), -1));
     for (const auto &table : m_long)
         table->layout(m_doc->documentLayout());
@@ -238,8 +247,13 @@ void PagedDocument::paginate()
         return;
     std::sort(at.begin(), at.end(), std::greater<>());
     at.erase(std::unique(at.begin(), at.end()), at.end());
+    // One edit block, so that one undo takes every split back.
+    QTextCursor edit(m_doc.get());
+    edit.beginEditBlock();
     for (int pos : at)
         splitBlockAt(*m_doc, pos);
+    edit.endEditBlock();
+    m_split = true;
     breakPages();
 }
 
@@ -316,8 +330,8 @@ void PagedDocument::breakPages()
     double pageTop = 0;
     for (const Unit &u : units) {
         while (u.bottom - pageTop > height + 0.01 && m_starts.size() < kMaxPages) {
-            const bool movable = u.top > pageTop + 0.01 &&
-                                 (!u.row || (u.top - pageTop > kKeepRowWithin && u.bottom - u.top <= height));
+            // A row taller than a page moves to a page of its own first, and is cut only there.
+            const bool movable = u.top > pageTop + 0.01 && (!u.row || u.top - pageTop > kKeepRowWithin);
             double next = pageTop + height;
             if (movable) {
                 next = u.top;

@@ -12,6 +12,7 @@
 class DB;
 class LongTable;
 class PdfPages;
+class QPaintDevice;
 class QPainter;
 class QTextDocument;
 class QTextTable;
@@ -19,8 +20,8 @@ class QTextTable;
 // The one paged engine behind printing, the preview and saved PDFs. It lays
 // the text out once at the page's text width (in points) and cuts it into
 // pages itself: text breaks between lines, and a table row that does not fit
-// moves whole to the next page unless it starts within 24 pt of the page top
-// or is taller than a page, in which case it is cut. Long plain tables are
+// moves whole to the next page unless it starts within 24 pt of the page top;
+// a row taller than a page moves too, and is cut on the page it starts. Long plain tables are
 // set and painted by LongTable rather than Qt, which is slow on them. A plan
 // sheet gives one page per page of its PDF file.
 class PagedDocument
@@ -52,6 +53,9 @@ public:
     void layout(const QSizeF &pageSize);
     // Lays out for a page layout's full paper size and orientation.
     void layout(const QPageLayout &page);
+    // Text is laid out in points: on this 72-dpi PDF writer's metrics, so font
+    // points, HTML sizes and page geometry all share one unit.
+    static QPaintDevice *pointDevice();
     // US Letter with no margins, in `orientation`: how saved PDFs are set up.
     static QPageLayout letter(QPageLayout::Orientation orientation = QPageLayout::Portrait);
 
@@ -89,4 +93,5 @@ private:
     std::unique_ptr<PdfPages> m_pdf;
     std::vector<std::unique_ptr<LongTable>> m_long; // long tables set and painted here, not by Qt
     QList<double> m_starts;                         // one per page, ascending
+    bool m_split = false; // blocks were split at this layout's page breaks (one undo joins them)
 };

@@ -28,7 +28,8 @@ std::optional<PrintSource> sheetSource(const DB &db, const Rec &sheet)
     return PrintSource::fromPdf(where, caption);
 }
 
-bool record(const DB &db, const ModuleDef &def, const Rec &rec, const QString &path)
+bool record(const DB &db, const ModuleDef &def, const Rec &rec, const QString &path,
+            QPageLayout::Orientation orientation)
 {
     // A plan sheet prints its drawing, fitted to Letter and turned to suit it;
     // without a readable file it falls back to the sheet's record like any other.
@@ -41,15 +42,15 @@ bool record(const DB &db, const ModuleDef &def, const Rec &rec, const QString &p
             return writePaged(pages, path);
         }
     if (def.id == u"documents"_s)
-        return save(db, *DocStore::read(DocStore::bodyPath(db, rec)), path);
+        return save(db, *DocStore::read(DocStore::bodyPath(db, rec)), path, orientation);
     if (rec.kind == u"pay_app"_s)
-        return saveHTML(db, PrintReports::payHTML(db, rec), path);
-    return saveHTML(db, recordHTML(db, def, rec), path);
+        return saveHTML(db, PrintReports::payHTML(db, rec), path, orientation);
+    return saveHTML(db, recordHTML(db, def, rec), path, orientation);
 }
 
-bool proposal(const DB &db, const Rec &estimate, const QString &path)
+bool proposal(const DB &db, const Rec &estimate, const QString &path, QPageLayout::Orientation orientation)
 {
-    return saveHTML(db, proposalHTML(db, estimate), path);
+    return saveHTML(db, proposalHTML(db, estimate), path, orientation);
 }
 
 } // namespace PDFOut

@@ -73,15 +73,15 @@ bool write(const DB &, const QTextDocument &text, const QString &path, QPageLayo
     return writeOwned(std::unique_ptr<QTextDocument>(text.clone()), path, orientation);
 }
 
-bool save(const DB &db, const QTextDocument &text, const QString &path)
+bool save(const DB &db, const QTextDocument &text, const QString &path, QPageLayout::Orientation orientation)
 {
-    return write(db, text, path);
+    return write(db, text, path, orientation);
 }
 
-bool saveHTML(const DB &db, const QString &html, const QString &path)
+bool saveHTML(const DB &db, const QString &html, const QString &path, QPageLayout::Orientation orientation)
 {
     // The imported text is only paged, so the engine may have it without a copy.
-    return writeOwned(DocTemplates::attributed(db, html + closingCredit()), path, QPageLayout::Portrait);
+    return writeOwned(DocTemplates::attributed(db, html + closingCredit()), path, orientation);
 }
 
 bool saveWord(const QTextDocument &text, const QString &path)

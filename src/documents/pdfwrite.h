@@ -32,15 +32,20 @@ bool writePaged(const PagedDocument &pages, const QString &path);
 bool write(const DB &db, const QTextDocument &text, const QString &path,
            QPageLayout::Orientation orientation = QPageLayout::Portrait);
 // The same as write: the save flow without its file chooser and viewer.
-bool save(const DB &db, const QTextDocument &text, const QString &path);
+bool save(const DB &db, const QTextDocument &text, const QString &path,
+          QPageLayout::Orientation orientation = QPageLayout::Portrait);
 // Imports `html` with the closing credit through the page shell and saves it as a PDF.
-bool saveHTML(const DB &db, const QString &html, const QString &path);
+bool saveHTML(const DB &db, const QString &html, const QString &path,
+              QPageLayout::Orientation orientation = QPageLayout::Portrait);
 // Saves the PDF of one record: a document's body, any other record's document.
-bool record(const DB &db, const ModuleDef &def, const Rec &rec, const QString &path);
+// A plan sheet turns to suit its drawing whatever `orientation` says.
+bool record(const DB &db, const ModuleDef &def, const Rec &rec, const QString &path,
+            QPageLayout::Orientation orientation = QPageLayout::Portrait);
 // A plan sheet's PDF as it stands, captioned with its number and title; nothing when the file is missing.
 std::optional<PrintSource> sheetSource(const DB &db, const Rec &sheet);
 // Saves the client proposal of an estimate.
-bool proposal(const DB &db, const Rec &estimate, const QString &path);
+bool proposal(const DB &db, const Rec &estimate, const QString &path,
+              QPageLayout::Orientation orientation = QPageLayout::Portrait);
 // Writes `text` as a Word document (.docx).
 bool saveWord(const QTextDocument &text, const QString &path);
 

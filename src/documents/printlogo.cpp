@@ -1,5 +1,6 @@
 #include "printlogo.h"
 
+#include "pageddocument.h"
 #include "pdfpages.h"
 #include "store/db.h"
 
@@ -11,6 +12,7 @@
 #include <QtGui/QPainter>
 #include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
+#include <QtGui/QTextTable>
 
 #include <cmath>
 
@@ -96,6 +98,25 @@ void attach(const DB &db, QTextDocument &doc)
     format.setHeight(h);
     found.removeSelectedText();
     found.insertImage(format);
+    // The letterhead's logo column is made wide enough for the logo, so a wide
+    // one never runs under the company name beside it.
+    if (QTextTable *table = found.currentTable()) {
+        const int column = table->cellAt(found).column();
+        QTextTableFormat tf = table->format();
+        QList<QTextLength> widths = tf.columnWidthConstraints();
+        while (widths.size() < table->columns())
+            widths.append(QTextLength());
+        // Qt takes a fixed column width as 96-dpi pixels and scales it to the
+        // layout's points, as it did pictures.
+        const double needed = (w + 2 * (tf.cellPadding() + std::max(0.0, tf.border())) + 1) * 96.0 /
+                              PagedDocument::pointDevice()->logicalDpiX();
+        const QTextLength &was = widths.at(column);
+        if (was.type() != QTextLength::FixedLength || was.rawValue() < needed) {
+            widths[column] = QTextLength(QTextLength::FixedLength, needed);
+            tf.setColumnWidthConstraints(widths);
+            table->setFormat(tf);
+        }
+    }
 }
 
 std::optional<QByteArray> pngData(const QImage &image)

@@ -2,6 +2,8 @@
 // pay application, with the paperwork and field records around it.
 #include "samplekit.h"
 
+#include "calc/money.h"
+
 #include "workflows/bids.h"
 #include "workflows/changeorders.h"
 #include "workflows/estimates.h"
@@ -21,7 +23,7 @@ void bill(DB &db, Rec app, const QString &periodTo, const QString &status, const
 {
     const QList<Rec> sov = db.list(u"sov_line"_s, {.project = app.project});
     for (qsizetype k = 0; k < sov.size() && k < shares.size(); ++k) {
-        const qint64 amount = qint64(double(sov.at(k).i(u"scheduled")) * shares.at(k));
+        const qint64 amount = Money::fromDouble(double(sov.at(k).i(u"scheduled")) * shares.at(k));
         setPayLine(db, app, sov.at(k).id, amount, k == 3 ? std::optional<qint64>(stored) : std::nullopt);
     }
     app = db.get(app.id).value_or(app);

@@ -3,6 +3,8 @@
 #include "chrome.h"
 #include "fwui.h"
 
+#include "calc/datefmt.h"
+
 #include <QtGui/QPainter>
 
 using namespace Qt::StringLiterals;
@@ -46,16 +48,8 @@ StatusPill::Tone StatusPill::tone(const QString &text)
 
 QString StatusPill::shown(const QString &text)
 {
-    if (text != text.toLower())
-        return text;
-    QString out = text;
-    bool start = true;
-    for (QChar &c : out) {
-        if (start && c.isLetter())
-            c = c.toUpper();
-        start = c.isSpace();
-    }
-    return out;
+    // Only the first letter is raised: "turned over" shows as "Turned over".
+    return capitalizedIfLower(text);
 }
 
 QSize StatusPill::sizeHint() const

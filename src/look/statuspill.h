@@ -12,7 +12,7 @@ public:
     QString text() const { return m_text; }
     // The tone of a status word: whole-text membership of its lower case in the three lists.
     static Tone tone(const QString &text);
-    // The text as shown: capitalised word by word when it is all lower case.
+    // The text as shown: its first letter raised when the text begins in lower case.
     static QString shown(const QString &text);
     QSize sizeHint() const override;
 

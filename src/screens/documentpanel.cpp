@@ -1,4 +1,5 @@
 #include "documentpanel.h"
+#include "shell/savedpdf.h"
 
 #include "documentpanelflow.h"
 #include "richtext.h"
@@ -354,10 +355,10 @@ bool DocumentPanel::attachFile(const QString &path)
     return true;
 }
 
-bool DocumentPanel::exportPDF(const QString &path)
+bool DocumentPanel::exportPDF(const QString &path, QPageLayout::Orientation orientation)
 {
     flush();
-    return PDFOut::save(m_db, *m_view->document(), path);
+    return PDFOut::save(m_db, *m_view->document(), path, orientation);
 }
 
 bool DocumentPanel::exportWord(const QString &path)
@@ -380,7 +381,11 @@ void DocumentPanel::exportAs(bool word)
                                             u"PDF documents (*.pdf)"_s);
     if (path.isEmpty())
         return;
-    if (!(word ? exportWord(path) : exportPDF(path)))
+    if (!word) {
+        SavedPdf::save(this, path, [&](QPageLayout::Orientation o) { return exportPDF(path, o); });
+        return;
+    }
+    if (!exportWord(path))
         FWAlert::show(this, u"Export failed"_s, u"The file could not be written to "_s + path + u'.');
 }
 

@@ -5,6 +5,7 @@
 #include <QtCore/QPointer>
 #include <QtCore/QSize>
 #include <QtCore/QTimer>
+#include <QtGui/QPageLayout>
 #include <QtWidgets/QWidget>
 
 #include <functional>
@@ -38,7 +39,7 @@ public:
     // Stores the file at `path` with the document; false when it could not be read.
     bool attachFile(const QString &path);
     // Writes the body as a PDF or a Word file at `path`.
-    bool exportPDF(const QString &path);
+    bool exportPDF(const QString &path, QPageLayout::Orientation orientation = QPageLayout::Portrait);
     bool exportWord(const QString &path);
 
     QString recordId() const { return m_id; }

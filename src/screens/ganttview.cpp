@@ -1,4 +1,5 @@
 #include "ganttview.h"
+#include "shell/savedpdf.h"
 
 #include "gantt.h"
 
@@ -321,6 +322,7 @@ void GanttView::savePDF()
     const QString name = u"Schedule "_s + m_project.f.value(u"name");
     const QString proposed = QDir::home().filePath(name + u".pdf"_s);
     const QString path = QFileDialog::getSaveFileName(this, u"Save PDF"_s, proposed, u"PDF files (*.pdf)"_s);
-    if (!path.isEmpty())
-        PDFOut::saveHTML(m_db, scheduleHTML(m_db, m_project), path);
+    SavedPdf::save(this, path, [&](QPageLayout::Orientation o) {
+        return PDFOut::saveHTML(m_db, scheduleHTML(m_db, m_project), path, o);
+    });
 }

@@ -114,7 +114,8 @@ QString JobCostScreen::totalKey()
 
 PrintJob JobCostScreen::printJob(DB &db, const QString &projectId)
 {
-    return PrintJob{u"Job Cost Report — Budget vs Actual"_s,
+    const std::optional<Rec> p = db.get(projectId);
+    return PrintJob{u"Job Cost "_s + (p ? p->f.value(u"name") : QString()),
                     [db = &db, projectId]() -> std::optional<PrintSource> {
                         const std::optional<Rec> p = db->get(projectId);
                         if (!p)

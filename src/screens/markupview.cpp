@@ -137,6 +137,11 @@ void MarkupView::layoutPages()
     verticalScrollBar()->setRange(0, std::max(0, int(std::ceil(m_contentH)) - vp.height()));
     verticalScrollBar()->setPageStep(vp.height());
     verticalScrollBar()->setSingleStep(40);
+    // The view keeps showing the same part of the sheet as its size or zoom changes.
+    m_relayout = true;
+    horizontalScrollBar()->setValue(int(std::lround(m_at.x() * m_contentW)));
+    verticalScrollBar()->setValue(int(std::lround(m_at.y() * m_contentH)));
+    m_relayout = false;
     viewport()->update();
 }
 
@@ -277,6 +282,9 @@ void MarkupView::resizeEvent(QResizeEvent *e)
 
 void MarkupView::scrollContentsBy(int, int)
 {
+    if (!m_relayout && m_contentW > 0 && m_contentH > 0)
+        m_at =
+            QPointF(horizontalScrollBar()->value() / m_contentW, verticalScrollBar()->value() / m_contentH);
     viewport()->update();
 }
 

@@ -31,6 +31,8 @@ public:
     // Zoom over the fitted width: 1 fits the widest page to the view.
     void setZoom(double zoom);
     double zoom() const { return m_zoom; }
+    // The viewport's top left as a share of the content's width and height.
+    QPointF position() const { return m_at; }
     // Pixels per point at which pages are drawn now.
     double scale() const;
     // Takes away the last mark made in this view; false when there is none.
@@ -84,6 +86,8 @@ private:
     QList<QSizeF> m_sizes; // page sizes in points
     QList<qreal> m_tops;   // page tops in content pixels
     qreal m_contentW = 0, m_contentH = 0;
+    QPointF m_at;            // the viewport's top left as a share of the content, kept over relayouts
+    bool m_relayout = false; // the scroll bars are being set by a relayout, not by the user
     QHash<int, Tile> m_tiles;
     QList<std::pair<int, int>> m_added; // (handle, page) of this view's marks, oldest first
     int m_renders = 0;

@@ -276,8 +276,9 @@ QList<KPITile *> ProjectScreen::addTiles(const QList<std::pair<QString, QString>
 std::optional<Rec> ProjectScreen::syncProject(Printable *printable, PrintJob (*make)(DB &, const QString &))
 {
     std::optional<Rec> p = syncProject();
-    if (p && p->id != m_jobProject) {
-        m_jobProject = p->id;
+    // The job's title carries the project's name, so a rename makes the job again too.
+    if (const QString key = p ? p->id + u'\x1f' + p->f.value(u"name") : QString(); p && key != m_jobProject) {
+        m_jobProject = key;
         const PrintJob job = make(m_db, p->id);
         printable->setJob(job);
         if (auto *print = findChild<PrintButton *>())

@@ -138,7 +138,7 @@ private:
     PickProject *m_picker = nullptr;
     QString m_pickKey;
     QVBoxLayout *m_body;
-    QString m_jobProject;
+    QString m_jobProject; // id and name of the project the print job was made for
 };
 
 // Registers the budget, job-cost and pay-application screens with the module area.

@@ -1,4 +1,5 @@
 #include "payappdetail.h"
+#include "shell/savedpdf.h"
 
 #include "moneygrid.h"
 
@@ -136,7 +137,8 @@ PayAppDetail::PayAppDetail(DB &db, Nav &nav, const QString &payAppId, QWidget *p
     auto *sheetCol = new QVBoxLayout(sheetPanel);
     sheetCol->addWidget(m_sheet);
     m_note->setText(u"Previous = work billed on earlier applications. Retainage on work uses previous + this "
-                    u"period; on stored materials uses stored."_s);
+                    u"period; on stored materials uses stored.\n"_s +
+                    QString::fromUtf16(PayAppText::kRetainageExplained));
     m_note->setWordWrap(true);
     sheetCol->addWidget(m_note);
     col->addWidget(sheetPanel);
@@ -376,6 +378,7 @@ void PayAppDetail::savePDF()
     const QString name = u"Pay App "_s + app->f.value(u"number") + u" — G702-G703.pdf"_s;
     const QString path = QFileDialog::getSaveFileName(this, u"Save PDF"_s, QDir::home().filePath(name),
                                                       u"PDF files (*.pdf)"_s);
-    if (!path.isEmpty())
-        PDFOut::saveHTML(m_db, PrintReports::payHTML(m_db, *app), path);
+    SavedPdf::save(this, path, [&](QPageLayout::Orientation o) {
+        return PDFOut::saveHTML(m_db, PrintReports::payHTML(m_db, *app), path, o);
+    });
 }

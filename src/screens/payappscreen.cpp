@@ -133,7 +133,7 @@ PayAppScreen::PayAppScreen(const ScreenContext &ctx, QWidget *parent)
     body()->addLayout(m_detailBox);
     body()->addStretch(1);
 
-    m_printable = new Printable(this, 1, printJob(m_db, {}));
+    m_printable = new Printable(this, 2, printJob(m_db, {}));
     auto restyle = [this] {
         const FWUI &ui = FWUI::shared();
         m_listRows->setContentsMargins(ui.px(8), ui.px(8), ui.px(8), ui.px(8));

@@ -104,8 +104,15 @@ PlansScreen::PlansScreen(const ScreenContext &ctx, QWidget *parent)
     , m_box(new QVBoxLayout(this))
 {
     connect(&FWUI::shared(), &FWUI::changed, this, [this] {
+        if (m_view) {
+            m_view->setParent(nullptr); // out of the widgets the rebuild deletes
+            m_kept.reset(m_view);
+            m_keptID = m_shownID;
+            m_view = nullptr;
+        }
         m_key.clear();
         rebuild();
+        m_kept.reset(); // not shown again: another sheet or no project
     });
     rebuild();
 }

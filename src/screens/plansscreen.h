@@ -5,6 +5,7 @@
 #include <QtGui/QColor>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class FWChromeButton;
@@ -105,5 +106,9 @@ private:
     ThemedTextField *m_title = nullptr;
     ThemedChoice *m_discipline = nullptr;
     MarkupView *m_view = nullptr;
+    // The open sheet's view, kept through a theme or zoom change so that its
+    // undo list and position survive the rebuild; taken back by showSheet().
+    std::unique_ptr<MarkupView> m_kept;
+    QString m_keptID;
     Printable *m_printable = nullptr;
 };

@@ -26,6 +26,7 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMessageBox>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollBar>
 
 using namespace Qt::StringLiterals;
 
@@ -147,7 +148,13 @@ void PlansScreen::showSheet(const std::optional<Rec> &sheet)
     fields->addWidget(del);
     col->addLayout(fields);
 
-    m_view = new MarkupView(m_db.fileURL(sheet->f.value(u"file"), sheet->company), m_viewerBody);
+    if (m_kept && m_keptID == id) {
+        m_view = m_kept.release();
+        m_view->setParent(m_viewerBody);
+        FieldLook::thinScrollBar(m_view->verticalScrollBar());
+    } else {
+        m_view = new MarkupView(m_db.fileURL(sheet->f.value(u"file"), sheet->company), m_viewerBody);
+    }
     m_view->setTool(m_tool);
     for (const auto &[name, color] : colors())
         if (name == m_colorName)

@@ -1,4 +1,5 @@
 #include "reportsscreen.h"
+#include "shell/savedpdf.h"
 
 #include "fieldpulse.h"
 #include "hubparts.h"
@@ -254,8 +255,9 @@ QString ReportsScreen::ask(const QString &caption, const QString &name, const QS
 void ReportsScreen::savePDF()
 {
     const QString path = ask(u"Save WIP PDF"_s, kWipTitle + u".pdf"_s, u"PDF files (*.pdf)"_s);
-    if (!path.isEmpty() && !PDFOut::saveHTML(m_db, PrintReports::wipHTML(m_db), path))
-        FWAlert::show(this, u"Export failed"_s, u"The PDF could not be written to "_s + path + u'.');
+    SavedPdf::save(this, path, [&](QPageLayout::Orientation o) {
+        return PDFOut::saveHTML(m_db, PrintReports::wipHTML(m_db), path, o);
+    });
 }
 
 void ReportsScreen::saveCSV()

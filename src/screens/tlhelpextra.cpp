@@ -2,6 +2,9 @@
 // beyond its fields.
 #include "tlhelp.h"
 
+#include "workflows/estimates.h"
+#include "workflows/payappflow.h"
+
 using namespace Qt::StringLiterals;
 
 namespace TLHelp {
@@ -57,6 +60,7 @@ QHash<QString, QList<HelpBlock>> build()
                 u"Build the estimate from line items: each has a cost code, a quantity, a unit and a "
                 u"unit cost. Markup and tax apply to the whole estimate; the totals box shows subtotal, "
                 u"markup, tax and the proposal total."_s),
+            B::makeText(QString::fromUtf16(EstimateText::kTotalsExplained)),
             B::makeControl(u"Add assembly"_s, u"Adds every line of a saved assembly, scaled by the quantity "
                                               u"you type (for example 1,200 square feet of slab)."_s),
             B::makeControl(u"Proposal PDF"_s, u"Saves the client proposal for this estimate."_s),
@@ -109,8 +113,10 @@ QHash<QString, QList<HelpBlock>> build()
             B::makeControl(u"Conditional Lien Waiver"_s, u"Makes a conditional progress waiver for this "
                                                          u"application's payment due."_s),
             B::makeControl(u"Unconditional (after paid)"_s,
-                           u"Makes the unconditional waiver once you are paid: a final waiver when the "
-                           u"whole contract is billed, otherwise a progress waiver."_s),
+                           u"Makes the waiver for once you are paid: an unconditional final waiver when "
+                           u"the whole contract is billed, otherwise a conditional progress waiver (change "
+                           u"its kind in the waiver if you need another)."_s),
+            B::makeText(QString::fromUtf16(PayAppText::kRetainageExplained)),
             B::makeTip(u"Setting retainage to 0 on the final application releases all retainage held."_s),
         });
     x.insert(
@@ -123,6 +129,7 @@ QHash<QString, QList<HelpBlock>> build()
                 u"Some states prescribe the exact wording. When the State field names one of them "
                 u"(AZ, CA, FL, GA, MI, MS, MO, NV, TX, UT, WY) the editor warns you: use the official "
                 u"state form there, as this generic form may not be valid."_s),
+            B::makeText(QString::fromUtf16(PayAppText::kWaiverPayAppFills)),
         });
     x.insert(
         u"jobcost"_s,

@@ -50,8 +50,9 @@ void backupAll(QWidget *parent, DB &db)
 {
     const QString proposed =
         QDir::home().filePath(u"Trestle Backup "_s + DateFmt::iso(DateFmt::today()) + u".zip"_s);
-    const QString path =
-        QFileDialog::getSaveFileName(parent, u"Back Up Everything"_s, proposed, u"Zip archives (*.zip)"_s);
+    const QString path = saveFileHook() ? saveFileHook()(parent, u"Back Up Everything"_s, proposed)
+                                        : QFileDialog::getSaveFileName(parent, u"Back Up Everything"_s,
+                                                                       proposed, u"Zip archives (*.zip)"_s);
     if (path.isEmpty())
         return;
     Backup::Result result;
@@ -59,7 +60,9 @@ void backupAll(QWidget *parent, DB &db)
         Progress progress(parent, u"Backing up every company…"_s);
         result = Backup::backup(db, path, progress.report());
     }
-    if (!result.ok && !result.title.isEmpty())
+    if (result.ok)
+        reveal(path); // the new zip, selected in the file manager
+    else if (!result.title.isEmpty())
         FWAlert::show(parent, result.title, result.message);
 }
 
@@ -106,6 +109,12 @@ void exportCSV(QWidget *parent, DB &db)
         reveal(result.folder);
 }
 
+SaveFile &saveFileHook()
+{
+    static SaveFile hook;
+    return hook;
+}
+
 OpenFile &openFileHook()
 {
     static OpenFile hook;
@@ -126,8 +135,18 @@ void chooseLogo(QWidget *parent, DB &db)
         FWAlert::show(parent, PrintLogo::kUnreadableTitle.toString(), PrintLogo::kUnreadableText.toString());
 }
 
+std::function<void(const QString &)> &revealHook()
+{
+    static std::function<void(const QString &)> hook;
+    return hook;
+}
+
 void reveal(const QString &path)
 {
+    if (revealHook()) {
+        revealHook()(path);
+        return;
+    }
     QDBusMessage call =
         QDBusMessage::createMethodCall(u"org.freedesktop.FileManager1"_s, u"/org/freedesktop/FileManager1"_s,
                                        u"org.freedesktop.FileManager1"_s, u"ShowItems"_s);

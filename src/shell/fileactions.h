@@ -21,6 +21,11 @@ void chooseLogo(QWidget *parent, DB &db);
 using OpenFile = std::function<QString(QWidget *, const QString &, const QString &)>;
 // The file chooser of chooseLogo(); empty means the native dialog. Tests put their own here.
 OpenFile &openFileHook();
+// The chooser of backupAll()'s zip: parent, caption, proposed path; empty means the native dialog.
+using SaveFile = std::function<QString(QWidget *, const QString &, const QString &)>;
+SaveFile &saveFileHook();
 // Shows `path` in the file manager, or opens its folder when no file manager answers.
 void reveal(const QString &path);
+// What reveal() does instead, when set: tests watch it here and no window opens.
+std::function<void(const QString &)> &revealHook();
 } // namespace FileActions

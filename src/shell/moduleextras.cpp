@@ -138,11 +138,8 @@ TimecardHours::TimecardHours(DB &db, const QString &recordId, QWidget *parent)
 
 void TimecardHours::present(const Rec &timecard)
 {
-    // A card not clocked out yet has worked no hours, not a shift wrapped past midnight.
-    const QString out = timecard.f.value(u"out"_s);
-    const double hours = out.trimmed().isEmpty()
-                             ? 0.0
-                             : Calc::shiftHours(timecard.f.value(u"in"_s), out, timecard.i(u"break"));
+    const double hours =
+        Calc::shiftHours(timecard.f.value(u"in"_s), timecard.f.value(u"out"_s), timecard.i(u"break"));
     m_totals->setRows({{u"Hours"_s, Money::fromDouble(hours * double(timecard.i(u"rate")))}});
     m_totals->setOverlay(QString::asprintf("%.2f h", hours));
 }

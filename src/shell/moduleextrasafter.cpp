@@ -1,5 +1,6 @@
 // The panels shown below a record's lines: totals and the buttons that act on them.
 #include "moduleextras.h"
+#include "savedpdf.h"
 
 #include "bidleveling.h"
 #include "moduleextraspanels.h"
@@ -58,6 +59,7 @@ QList<TotalsBox::Row> assemblyRows(const DB &db, const Rec &assembly)
 EstimateTotalsPanel::EstimateTotalsPanel(DB &db, Nav &nav, const QString &estimateId, QWidget *parent)
     : RecordPanel(db, estimateId, parent)
     , m_totals(new TotalsBox(this))
+    , m_note(new QLabel(this))
 {
     auto *pdf = new FWChromeButton(u"Proposal PDF"_s, u"doc.richtext.fill"_s, this);
     auto *budget = new FWChromeButton(u"Use as Project Budget"_s, u"arrow.right.doc.on.clipboard"_s, this);
@@ -73,6 +75,10 @@ EstimateTotalsPanel::EstimateTotalsPanel(DB &db, Nav &nav, const QString &estima
         nav.setModule(u"budget"_s);
     });
     column()->addWidget(m_totals);
+    m_note->setObjectName(u"note"_s);
+    m_note->setWordWrap(true);
+    m_note->setText(QString::fromUtf16(EstimateText::kTotalsExplained));
+    column()->addWidget(m_note);
     auto *row = new QHBoxLayout;
     row->addWidget(pdf);
     row->addWidget(budget);
@@ -99,12 +105,13 @@ void EstimateTotalsPanel::saveProposal()
     const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const QString path = QFileDialog::getSaveFileName(
         this, u"Proposal PDF"_s, folder + u'/' + proposalFileName(*estimate), u"PDF documents (*.pdf)"_s);
-    if (!path.isEmpty())
-        PDFOut::proposal(m_db, *estimate, path);
+    SavedPdf::save(this, path,
+                   [&](QPageLayout::Orientation o) { return PDFOut::proposal(m_db, *estimate, path, o); });
 }
 
 void EstimateTotalsPanel::present(const Rec &estimate)
 {
+    styleLabel(m_note, 11.5, true);
     const Calc::EstimateTotals t = estimateTotals(m_db, estimate);
     m_totals->setRows({{u"Subtotal"_s, t.subtotal},
                        {u"Markup "_s + estimate.f.value(u"markup"_s) + u'%', t.markup},

@@ -140,6 +140,7 @@ protected:
 private:
     void saveProposal();
     TotalsBox *m_totals;
+    QLabel *m_note; // how the totals are worked out
 };
 
 // A change order's totals, its four status buttons and what approving does.

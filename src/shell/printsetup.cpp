@@ -37,6 +37,11 @@ QPageLayout info(std::optional<bool> landscape)
     return bare(l);
 }
 
+void setShared(const QPageLayout &l)
+{
+    layout() = bare(QPageLayout(l.pageSize(), l.orientation(), QMarginsF(0, 0, 0, 0), QPageLayout::Point));
+}
+
 void pageSetup(QWidget *parent)
 {
     QPrinter printer(QPrinter::HighResolution);
@@ -44,8 +49,7 @@ void pageSetup(QWidget *parent)
     QPageSetupDialog dialog(&printer, parent);
     dialog.setWindowModality(Qt::WindowModal);
     if (dialog.exec() == QDialog::Accepted)
-        layout() = bare(QPageLayout(printer.pageLayout().pageSize(), printer.pageLayout().orientation(),
-                                    QMarginsF(0, 0, 0, 0), QPageLayout::Point));
+        setShared(printer.pageLayout());
 }
 
 } // namespace PrintSetup

@@ -12,6 +12,8 @@ namespace PrintSetup {
 QPageLayout shared();
 // A copy of the layout, in landscape or portrait when `landscape` is given.
 QPageLayout info(std::optional<bool> landscape = std::nullopt);
+// Puts `layout`'s paper and orientation in force, as the dialog does.
+void setShared(const QPageLayout &layout);
 // Shows the page setup dialog over `parent`; keeps the paper and orientation chosen.
 void pageSetup(QWidget *parent);
 } // namespace PrintSetup

@@ -5,6 +5,7 @@
 #include "nav.h"
 #include "printbutton.h"
 #include "printcenter.h"
+#include "savedpdf.h"
 
 #include "documents/docstore.h"
 #include "documents/pageddocument.h"
@@ -76,7 +77,8 @@ RecordEditor::RecordEditor(DB &db, Nav &nav, const ModuleDef &m, const QString &
     auto *pdf = new FWChromeButton(u"PDF"_s, u"doc.richtext"_s, m_body);
     connect(pdf, &QAbstractButton::clicked, this, &RecordEditor::savePDF);
     header->addWidget(pdf);
-    header->addWidget(new PrintButton(printJob(), true, false, m_body));
+    m_print = new PrintButton(printJob(), true, false, m_body);
+    header->addWidget(m_print);
     auto *trash = new FWChromeButton(QString(), u"trash"_s, m_body);
     trash->setCompact(true);
     trash->setToolTip(u"Delete"_s);
@@ -205,6 +207,7 @@ void RecordEditor::refresh()
     const Rec r = *rec; // the view goes stale at the next write, which an editor may cause
     m_title->setText(title(m_m, r));
     m_printable->setTitle(PDFOut::recordTitle(m_m, r));
+    m_print->setJob(printJob());
     if (m_project) {
         ThemedChoice::Options options;
         m_db.visit(u"project"_s, {}, [&](const Rec &p) { options.append({p.id, m_db.label(p.id)}); });
@@ -243,8 +246,8 @@ void RecordEditor::savePDF()
         return;
     const QString proposed = QDir::home().filePath(PDFOut::recordTitle(m_m, *rec) + u".pdf"_s);
     const QString path = QFileDialog::getSaveFileName(this, u"Save PDF"_s, proposed, u"PDF files (*.pdf)"_s);
-    if (!path.isEmpty())
-        PDFOut::record(m_db, m_m, *rec, path);
+    SavedPdf::save(this, path,
+                   [&](QPageLayout::Orientation o) { return PDFOut::record(m_db, m_m, *rec, path, o); });
 }
 
 PrintJob RecordEditor::printJob() const

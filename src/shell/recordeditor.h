@@ -10,6 +10,7 @@ class DB;
 class Nav;
 class FieldEditor;
 class Printable;
+class PrintButton;
 class QLabel;
 class QScrollArea;
 class ThemedChoice;
@@ -60,4 +61,5 @@ private:
     QList<QWidget *> m_parts; // extras, lines, photos: each a Refreshable
     QWidget *m_content;
     Printable *m_printable;
+    PrintButton *m_print; // its job is made again as the record changes, like the Print menu's
 };

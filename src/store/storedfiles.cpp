@@ -4,18 +4,16 @@
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 // A stored name or company id is one path component; anything that could
-// climb out of the files folder keeps only its last component.
+// climb out of the files folder keeps only its last component. Only "/"
+// separates: a backslash is an ordinary character in a Linux file name.
 QString component(const QString &text)
 {
-    if (!text.contains(u'/') && !text.contains(u'\\') && text != u"." && text != u"..")
-        return text;
-    QString last = text.section(QRegularExpression(u"[/\\\\]"_s), -1);
+    const QString last = text.section(u'/', -1);
     return last == u"." || last == u".." ? QString() : last;
 }
 } // namespace

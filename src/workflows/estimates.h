@@ -22,4 +22,7 @@ inline constexpr char16_t kUseAsBudgetHelp[] =
 // How the assembly panel is used.
 inline constexpr char16_t kAssemblyHint[] =
     u"Pick an assembly and a quantity (e.g. 1,200 SF) to add all its lines at once.";
+// How the totals are worked out, shown with an estimate.
+inline constexpr char16_t kTotalsExplained[] =
+    u"Lines are quantity × unit cost. Markup applies to the subtotal; tax applies to subtotal + markup.";
 } // namespace EstimateText

@@ -51,4 +51,12 @@ inline constexpr char16_t kConditionalWaiver[] = u"Conditional Lien Waiver";
 inline constexpr char16_t kUnconditionalWaiver[] = u"Unconditional (after paid)";
 // The four statuses in the order offered.
 inline constexpr const char16_t *kStatuses[] = {u"draft", u"submitted", u"approved", u"paid"};
+// How retainage is worked out, shown on the application.
+inline constexpr char16_t kRetainageExplained[] =
+    u"Retainage on work is a percentage of previous + this period; retainage on stored materials has its "
+    u"own percentage. Line 7 is line 6 of the previous application. Setting retainage to 0% on the final "
+    u"application releases it.";
+// What choosing a pay app in a waiver does.
+inline constexpr char16_t kWaiverPayAppFills[] =
+    u"Choosing a pay app fills the amount (current payment due), the date and the customer.";
 } // namespace PayAppText

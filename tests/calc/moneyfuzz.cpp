@@ -14,9 +14,10 @@ namespace {
 MoneyParse reference(const QString &text)
 {
     // Parenthesised: optional dollar inside. Otherwise: minus, dollar, minus, at most one minus.
-    static const QRegularExpression re(uR"(^[ \t]*(?:\([ \t]*(\$?)([0-9]*)(\.([0-9]*))?[ \t]*\))"
-                                       uR"(|(-?)\$?(-?)([0-9]*)(\.([0-9]*))?)[ \t]*\z)"_s);
-    static const QRegularExpression blank(uR"(^[ \t]*\z)"_s);
+    static const QRegularExpression re(
+        uR"(^[\t\p{Zs}]*(?:\([\t\p{Zs}]*(\$?)([0-9]*)(\.([0-9]*))?[\t\p{Zs}]*\))"
+        uR"(|(-?)\$?(-?)([0-9]*)(\.([0-9]*))?)[\t\p{Zs}]*\z)"_s);
+    static const QRegularExpression blank(uR"(^[\t\p{Zs}]*\z)"_s);
     if (blank.match(text).hasMatch())
         return {};
     const auto m = re.match(text);
@@ -75,11 +76,11 @@ QString shaped(QRandomGenerator &rng)
     if (rng.bounded(2) == 0)
         number += u'.' + (rng.bounded(10) == 0 ? digits(rng, rng.bounded(30)) : digits(rng, rng.bounded(5)));
     const QString sign = pick(rng, {u""_s, u""_s, u"-"_s, u"$"_s, u"-$"_s, u"$-"_s, u"--"_s, u"$$"_s});
-    const QString blank = pick(rng, {u""_s, u""_s, u" "_s, u"\t"_s, u" \t "_s});
+    const QString blank = pick(rng, {u""_s, u""_s, u" "_s, u"\t"_s, u" \t "_s, u"\u00A0"_s, u"\u2009 "_s});
     QString text = sign + number;
     if (rng.bounded(5) == 0)
         text = u"("_s + blank + text + blank + u")"_s;
-    text = blank + text + pick(rng, {u""_s, u" "_s, u"\t"_s});
+    text = blank + text + pick(rng, {u""_s, u" "_s, u"\t"_s, u"\u202F"_s});
     if (rng.bounded(10) == 0 && !text.isEmpty())
         text[rng.bounded(int(text.size()))] = pick(rng, {u"x"_s, u"."_s, u","_s, u"-"_s, u"("_s}).at(0);
     return text;

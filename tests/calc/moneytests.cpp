@@ -50,6 +50,10 @@ private Q_SLOTS:
             {u"", 0, ok}, {u" \t  ", 0, ok}, {u"()", 0, bad}, {u"(  )", 0, bad}, {u"( 5.00 )", -500, ok},
             {u"\t($1,000.5)\t", -100050, ok}, {u"(-5)", 0, bad}, {u"($-5)", 0, bad}, {u"-(5)", 0, bad},
             {u"(5", 0, bad}, {u"5)", 0, bad}, {u"((5))", 0, bad}, {u"5\n", 0, bad},
+            // Every Unicode space at the ends is trimmed (a pasted no-break space); line ends are not.
+            {u"\u00A05.00", 500, ok}, {u"$5.00\u00A0", 500, ok}, {u"\u2009($1.50)\u202F", -150, ok},
+            {u"\u3000\u2007 7 \t", 700, ok}, {u"( \u00A05)", -500, ok}, {u"\u00A0", 0, ok},
+            {u"\r5", 0, bad}, {u"5\u2028", 0, bad}, {u"5\u00A0000", 0, bad},
             // Signs and the dollar.
             {u"1,234.56", 123456, ok}, {u"$1,234.56", 123456, ok}, {u"-$1,234.56", -123456, ok},
             {u"$-1,234.56", -123456, ok}, {u"($1,234.56)", -123456, ok}, {u"  $5  ", 500, ok},

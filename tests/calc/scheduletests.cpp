@@ -181,6 +181,12 @@ private Q_SLOTS:
         QTest::newRow("hour only and blanks") << u"7"_s << u" 15 :\t30"_s << qint64(0) << 8.5;
         QTest::newRow("unreadable is zero") << u"x:30"_s << u"1:2:3"_s << qint64(0) << 0.53;
         QTest::newRow("empty pieces dropped") << u":30"_s << u"31"_s << qint64(0) << 1.0; // ":30" is 30 hours
+        // A shift not clocked in or out has no hours, rather than one wrapped past midnight.
+        QTest::newRow("open shift") << u"07:00"_s << u""_s << qint64(30) << 0.0;
+        QTest::newRow("out only blanks") << u"07:00"_s << u" \t"_s << qint64(0) << 0.0;
+        QTest::newRow("in blank") << u""_s << u"15:30"_s << qint64(0) << 0.0;
+        QTest::newRow("in only blanks") << u"\t "_s << u"15:30"_s << qint64(0) << 0.0;
+        QTest::newRow("midnight is a time") << u"00:00"_s << u"08:00"_s << qint64(0) << 8.0;
     }
     void hours()
     {

@@ -106,14 +106,18 @@ private Q_SLOTS:
             return db.add(kind, p, parent, f);
         };
         add(u"budget_line"_s, {}, {{u"costCode"_s, u"01"_s}, {u"original"_s, u"100000"_s}});
-        for (const auto &[status, code] :
-             {std::pair{u"approved"_s, u"01"_s}, {u"pending"_s, u"01"_s}, {u"rejected"_s, u"09"_s}}) {
+        // Approved and pending changes on one code with different amounts: only the approved one revises.
+        for (const auto &[status, code, amount] : {std::tuple{u"approved"_s, u"01"_s, u"5000"_s},
+                                                   {u"pending"_s, u"01"_s, u"700"_s},
+                                                   {u"rejected"_s, u"09"_s, u"5000"_s}}) {
             const Rec co = add(u"co"_s, {}, {{u"kind"_s, u"sub"_s}, {u"status"_s, status}});
-            add(u"co_line"_s, co.id, {{u"costCode"_s, code}, {u"amount"_s, u"5000"_s}});
+            add(u"co_line"_s, co.id, {{u"costCode"_s, code}, {u"amount"_s, amount}});
         }
         for (const auto &[status, code, unit] : {std::tuple{u"Draft"_s, u"77"_s, u"999"_s},
                                                  {u"Issued"_s, u"03"_s, u"101"_s},
-                                                 {u"Closed"_s, u""_s, u"16"_s}}) {
+                                                 {u"Closed"_s, u""_s, u"16"_s},
+                                                 {u"Received"_s, u"04"_s, u"200"_s},
+                                                 {u"Void"_s, u"78"_s, u"333"_s}}) {
             const Rec po = add(u"po"_s, {}, {{u"status"_s, status}, {u"costCode"_s, code}});
             add(u"po_line"_s, po.id, {{u"qty"_s, u"2.5"_s}, {u"unitCost"_s, unit}}); // the order's code
         }
@@ -121,7 +125,10 @@ private Q_SLOTS:
         for (const auto &[code, in, out, brk, rate] :
              {std::tuple{u"06"_s, u"22:00"_s, u"06:00"_s, u"30"_s, u"3000"_s}, // 7.5 h overnight
               {u"06"_s, u"08:00"_s, u"08:30"_s, u"60"_s, u"5000"_s},           // break longer than the shift
-              {u"07"_s, u"08:00"_s, u"08:01"_s, u""_s, u"10000"_s}})           // one minute is 0.02 h
+              {u"07"_s, u"08:00"_s, u"08:01"_s, u""_s, u"10000"_s},            // one minute is 0.02 h
+              {u"11"_s, u"07:00"_s, u""_s, u"30"_s, u"4400"_s},                // still on the clock: nothing
+              {u"11"_s, u"07:00"_s, u" \t "_s, u"0"_s, u"4400"_s},             // blanks are no time either
+              {u"11"_s, u""_s, u"15:30"_s, u"0"_s, u"4400"_s}})                // never clocked in
             add(u"timecard"_s, {},
                 {{u"costCode"_s, code},
                  {u"in"_s, in},
@@ -135,14 +142,16 @@ private Q_SLOTS:
             {{u"costCode"_s, u"10"_s}, {u"equipment"_s, u"gone"_s}, {u"hours"_s, u"9"_s}});
 
         const Calc::JobCost jc = jobCost(db, p);
-        QCOMPARE(jc.order, (QStringList{u"01"_s, u"09"_s, u"03"_s, u""_s, u"05"_s, u"06"_s, u"07"_s, u"08"_s,
-                                        u"10"_s}));
+        QCOMPARE(jc.order, (QStringList{u"01"_s, u"09"_s, u"03"_s, u""_s, u"04"_s, u"05"_s, u"06"_s, u"07"_s,
+                                        u"11"_s, u"08"_s, u"10"_s}));
         const QList<Calc::CostRow> want = {
-            {105000, 0, 0}, {},          {0, 253, 0},   {0, 40, 0}, {0, 0, 12345},
-            {0, 0, 22500},  {0, 0, 200}, {0, 0, 31250}, {}};
+            {105000, 0, 0}, {},          {0, 253, 0}, {0, 40, 0},    {0, 500, 0}, {0, 0, 12345},
+            {0, 0, 22500},  {0, 0, 200}, {},          {0, 0, 31250}, {}};
         for (qsizetype k = 0; k < want.size(); ++k)
             QCOMPARE(jc.rows.value(jc.order.at(k)), want.at(k));
-        QCOMPARE(jc.total, (Calc::CostRow{105000, 293, 12345 + 22500 + 200 + 31250}));
+        QCOMPARE(jc.total, (Calc::CostRow{105000, 793, 12345 + 22500 + 200 + 31250}));
+        // The budget tells the approved change from the pending one on the same code.
+        QCOMPARE(budget(db, p).rows.value(u"01"_s), (Calc::BudgetRow{100000, 5000, 700, 105000, 105700}));
         QVERIFY(jobCost(db, u"empty"_s).order.isEmpty());
     }
 

@@ -136,15 +136,18 @@ private Q_SLOTS:
         QCOMPARE(all, expected);
     }
 
-    void tallRowIsCutInPlace_data()
+    void tallRowMovesThenIsCut_data()
     {
         QTest::addColumn<int>("linesBefore");
-        QTest::newRow("row at the page top") << 0;
-        QTest::newRow("row lower down") << 8;
+        QTest::addColumn<int>("firstPage"); // where the row's first line prints
+        QTest::newRow("row at the page top: cut where it stands") << 0 << 0;
+        QTest::newRow("row within 24 pt of the top: cut where it stands") << 1 << 0;
+        QTest::newRow("row lower down: moves, then is cut") << 8 << 1;
     }
-    void tallRowIsCutInPlace()
+    void tallRowMovesThenIsCut()
     {
         QFETCH(int, linesBefore);
+        QFETCH(int, firstPage);
         QString html;
         for (int i = 0; i < linesBefore; ++i)
             html += u"<p>before%1</p>"_s.arg(i);
@@ -154,14 +157,18 @@ private Q_SLOTS:
         html += u"<table border=1 cellpadding=2><tr><td>"_s + lines.join(u"<br>"_s) + u"</td></tr></table>"_s;
         PagedDocument pages(db, PrintSource::fromHtml(html), u"Doc"_s);
         const auto text = PdfCheck::written(pages, dir);
-        QVERIFY(text.size() >= 2);
-        QVERIFY(text.at(0).contains(u"tall00"_s)); // not pushed to page 2
+        QVERIFY(text.size() >= 2 + firstPage);
+        QVERIFY(text.at(firstPage).contains(u"tall00"_s));
+        if (firstPage > 0)
+            QVERIFY(text.at(0).contains(u"before0"_s));
         QStringList seen;
         for (const QStringList &page : text)
             for (const QString &w : page)
                 if (w.startsWith(u"tall"_s))
                     seen << w;
         QCOMPARE(seen, lines);
+        // The cut page is filled: the row runs on over the next page.
+        QVERIFY(text.at(firstPage + 1).contains(lines.last()));
     }
 
     void emptyTextHasOnePageWithFooter()
@@ -187,6 +194,48 @@ private Q_SLOTS:
         QVERIFY(text.last().contains(u"Page"_s));
         QCOMPARE(text.last().mid(text.last().lastIndexOf(u"Page"_s)).join(u' '),
                  u"Page %1 of %1"_s.arg(text.size()));
+    }
+
+    // Laying out for one paper and then another gives the pages a fresh layout
+    // for the second paper gives: no line breaks are left where the first paper's pages broke.
+    void relayoutLeavesTheTextAsItWas_data()
+    {
+        QTest::addColumn<QPageLayout>("paper");
+        const QMarginsF none(0, 0, 0, 0);
+        QTest::newRow("A4") << QPageLayout(QPageSize(QPageSize::A4), QPageLayout::Portrait, none);
+        QTest::newRow("Letter landscape") << PagedDocument::letter(QPageLayout::Landscape);
+        QTest::newRow("Legal") << QPageLayout(QPageSize(QPageSize::Legal), QPageLayout::Portrait, none);
+    }
+    void relayoutLeavesTheTextAsItWas()
+    {
+        QFETCH(QPageLayout, paper);
+        const QString html = u"<h2>Scope</h2><p>"_s + words(u"a"_s, 700) + u"</p><ul><li>"_s +
+                             words(u"b"_s, 300) + u"</li></ul>"_s + variedTable(40) + u"<p>"_s +
+                             words(u"c"_s, 900) + u"</p>"_s;
+        const auto pageLines = [&](const PagedDocument &pages, const QString &name) {
+            const QString path = dir.filePath(name);
+            PDFOut::writePaged(pages, path);
+            const PdfPages pdf(path);
+            QStringList out;
+            for (int i = 0; i < pdf.pageCount(); ++i)
+                out << pdf.text(i);
+            return out;
+        };
+        PagedDocument fresh(db, PrintSource::fromHtml(html), u"Doc"_s);
+        fresh.layout(paper);
+        const QStringList want = pageLines(fresh, u"fresh.pdf"_s);
+        QVERIFY(want.size() >= 3);
+
+        PagedDocument again(db, PrintSource::fromHtml(html), u"Doc"_s); // laid out for Letter first
+        const QStringList letter = pageLines(again, u"letter.pdf"_s);
+        again.layout(paper);
+        const QStringList got = pageLines(again, u"again.pdf"_s);
+        QCOMPARE(got.size(), want.size());
+        for (qsizetype i = 0; i < want.size(); ++i)
+            QCOMPARE(got.at(i), want.at(i));
+        // And back: Letter's pages come out as they first did.
+        again.layout(PagedDocument::letter());
+        QCOMPARE(pageLines(again, u"back.pdf"_s), letter);
     }
 
     void landscapeRepaginates()

@@ -3,6 +3,7 @@
 
 #include "calc/budget.h"
 #include "calc/datefmt.h"
+#include "calc/money.h"
 #include "calc/payapp.h"
 #include "calc/totals.h"
 #include "interchange/qb.h"
@@ -78,6 +79,33 @@ private Q_SLOTS:
         for (const IIF::Txn &t : txns)
             QCOMPARE(t.sum, 0);
         QVERIFY(QB::billsIIF(db).contains(u"Job Expenses:Uncoded"_s));
+    }
+
+    // Each billed line is a whole share of its schedule line, turned to cents by the
+    // rounding rule (nearest cent, halves away from zero), never cut by a cast.
+    void payLinesRoundToTheCent()
+    {
+        DB db;
+        Sample::create(db);
+        int checked = 0;
+        bool sawTruncationCase = false;
+        for (const Rec &line : db.list(u"pay_line"_s)) {
+            const Rec *sov = db.find(line.f.value(u"sov"));
+            QVERIFY(sov);
+            const qint64 scheduled = sov->i(u"scheduled"), billed = line.i(u"thisPeriod");
+            if (scheduled == 0 || billed == 0)
+                continue;
+            const double share = std::round(double(billed) / double(scheduled) * 100) / 100;
+            QCOMPARE(billed, Money::fromDouble(double(scheduled) * share));
+            // 5,376,000 × 0.35 is 1,881,599.9999… as a double: the cast gave $18,815.99.
+            if (scheduled == 5376000 && share == 0.35) {
+                QCOMPARE(billed, qint64(1881600));
+                sawTruncationCase = true;
+            }
+            ++checked;
+        }
+        QVERIFY(checked >= 15);
+        QVERIFY(sawTruncationCase);
     }
 
     void twiceMakesTwo()

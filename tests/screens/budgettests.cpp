@@ -260,7 +260,7 @@ private Q_SLOTS:
         QVERIFY(b->html.contains(u"Project Budget"_s));
         QVERIFY(b->html.contains(u"$500.00"_s));
         const PrintJob cost = JobCostScreen::printJob(s.db, s.project.id);
-        QCOMPARE(cost.title, u"Job Cost Report — Budget vs Actual"_s);
+        QCOMPARE(cost.title, u"Job Cost Harbor Lofts"_s);
         QVERIFY(cost.make()->html.contains(u"% spent"_s));
         // A project deleted since leaves nothing to print.
         s.db.remove(s.project.id);

@@ -180,6 +180,45 @@ private Q_SLOTS:
         QCOMPARE(common.at(1).title, u"About Fenwright"_s);
     }
 
+    // The explanations the screens quote stand on their modules' pages word for word.
+    void explanationsWordForWord_data()
+    {
+        QTest::addColumn<QString>("module");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("estimate totals")
+            << u"estimates"_s
+            << u"Lines are quantity × unit cost. Markup applies to the subtotal; tax applies to subtotal + markup."_s;
+        QTest::newRow("pay application retainage") << u"payapps"_s
+                                                   << u"Retainage on work is a percentage of previous + this "
+                                                      u"period; retainage on stored materials has "
+                                                      u"its own percentage. Line 7 is line 6 of the previous "
+                                                      u"application. Setting retainage to 0% on the "
+                                                      u"final application releases it."_s;
+        QTest::newRow("waiver pay app")
+            << u"waivers"_s
+            << u"Choosing a pay app fills the amount (current payment due), the date "
+               u"and the customer."_s;
+    }
+    void explanationsWordForWord()
+    {
+        QFETCH(QString, module);
+        QFETCH(QString, text);
+        const HelpPage page = TLHelp::page(*Modules::get(module));
+        QVERIFY(page.blocks.contains(HelpBlock::makeText(text)));
+    }
+
+    // "Unconditional (after paid)" tells what it makes on an application not fully billed.
+    void unconditionalWaiverHelp()
+    {
+        const QList<HelpBlock> blocks = TLHelp::extra().value(u"payapps"_s);
+        const auto it = std::find_if(blocks.begin(), blocks.end(), [](const HelpBlock &b) {
+            return b.name == u"Unconditional (after paid)"_s;
+        });
+        QVERIFY(it != blocks.end());
+        QVERIFY(it->body.contains(u"unconditional final waiver when the whole contract is billed"_s));
+        QVERIFY(it->body.contains(u"otherwise a conditional progress waiver"_s));
+    }
+
     // The shortcuts page lists exactly the first nine modules under Ctrl+1 to Ctrl+9.
     void shortcutsFollowTheTable()
     {

@@ -12,7 +12,9 @@
 #include "shell/nav.h"
 #include "shell/notice.h"
 #include "shell/numberfield.h"
+#include "shell/printcenter.h"
 #include "store/db.h"
+#include "workflows/payappflow.h"
 
 #include <QtWidgets/QLabel>
 
@@ -96,6 +98,28 @@ private Q_SLOTS:
         QVERIFY(screen->detail());
         QCOMPARE(s.db.get(screen->detail()->payAppId())->i(u"number"), qint64(shown));
         QVERIFY(screen->emptyMessage()->isHidden());
+    }
+
+    // The application's detail is a deep screen: its print job stands at level 2,
+    // above the project screens at level 1; the screen shows how retainage works.
+    void printsAtDetailLevelAndExplainsRetainage()
+    {
+        Shop s;
+        const Rec first = s.app(1);
+        auto screen = s.screen();
+        screen->show();
+        const std::optional<PrintEntry> front = PrintCenter::shared().front();
+        QVERIFY(front);
+        QCOMPARE(front->level, 2);
+        QCOMPARE(front->job.title, PayAppScreen::printJob(s.db, first.id).title);
+        QStringList texts;
+        for (const QLabel *label : screen->findChildren<QLabel *>())
+            texts << label->text();
+        QVERIFY(texts.join(u'\n').contains(QString::fromUtf16(PayAppText::kRetainageExplained)));
+        QVERIFY(texts.join(u'\n').contains(
+            u"Retainage on work is a percentage of previous + this period; retainage on stored materials has "
+            u"its own percentage. Line 7 is line 6 of the previous application. Setting retainage to 0% on "
+            u"the final application releases it."_s));
     }
 
     void emptyWithSchedule()

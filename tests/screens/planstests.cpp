@@ -3,6 +3,8 @@
 // the old-revision warning and deleting a sheet.
 #include "testmain.h"
 
+#include "look/fwui.h"
+
 #include "calc/datefmt.h"
 #include "catalog/modules.h"
 #include "documents/pdfmarks.h"
@@ -345,6 +347,54 @@ private Q_SLOTS:
         QCOMPARE(s->tool(), u"text"_s);
         QCOMPARE(s->viewer()->tool(), u"text"_s);
         QCOMPARE(s->colorName(), u"Blue"_s);
+    }
+
+    // A theme or zoom change restyles the screen but keeps the open sheet's undo
+    // list and the part of the sheet in view.
+    void lookChangeKeepsUndoAndPosition_data()
+    {
+        QTest::addColumn<bool>("zoom"); // false: the finish changes
+        QTest::newRow("finish") << false;
+        QTest::newRow("zoom") << true;
+    }
+    void lookChangeKeepsUndoAndPosition()
+    {
+        QFETCH(bool, zoom);
+        std::unique_ptr<PlansScreen> s(screen());
+        s->addSheets(m_project, {drawing(m_dir.filePath(u"A-101 Floor Plan.pdf"_s), 3)});
+        const QString file = m_db->fileURL(sheet(u"A-101"_s, 1).f.value(u"file"));
+        s->show();
+        MarkupView *view = s->viewer();
+        QVERIFY(view);
+        s->setTool(u"box"_s);
+        drag(view, 0, {100, 100}, {300, 200});
+        drag(view, 0, {400, 400}, {500, 450});
+        QCOMPARE(view->undoable(), 2);
+        view->setZoom(2);
+        view->verticalScrollBar()->setValue(view->verticalScrollBar()->maximum() / 2);
+        const QPointF before = view->position();
+        QVERIFY(before.y() > 0.1);
+
+        FWUI &ui = FWUI::shared();
+        const double oldZoom = ui.zoom();
+        const QString oldTheme = ui.theme().id;
+        if (zoom)
+            ui.setZoom(FWUI::nextZoom(oldZoom));
+        else
+            ui.setTheme(FWTheme::all().last().id == oldTheme ? FWTheme::all().first().id
+                                                             : FWTheme::all().last().id);
+        QApplication::processEvents();
+        MarkupView *after = s->viewer();
+        QVERIFY(after);
+        QCOMPARE(after->undoable(), 2);
+        QCOMPARE(after->zoom(), 2.0);
+        QVERIFY2(
+            std::abs(after->position().y() - before.y()) < 0.02,
+            qPrintable(QString::number(after->position().y()) + u" was "_s + QString::number(before.y())));
+        s->undo();
+        QCOMPARE(PdfMarkup(file).marks(0).size(), 1);
+        ui.setZoom(oldZoom);
+        ui.setTheme(oldTheme);
     }
 
     void oldRevisionWarns()

@@ -5,6 +5,7 @@
 #include "calc/datefmt.h"
 #include "catalog/modules.h"
 #include "documents/pageddocument.h"
+#include "documents/pdfpages.h"
 #include "interchange/sample.h"
 #include "screens/fieldpulse.h"
 #include "screens/projectchart.h"
@@ -13,6 +14,8 @@
 #include "shell/nav.h"
 #include "shell/printcenter.h"
 #include "shell/printengine.h"
+#include "shell/printsetup.h"
+#include "shell/savedpdf.h"
 #include "store/db.h"
 
 #include <QtCore/QDir>
@@ -201,8 +204,16 @@ private Q_SLOTS:
         QVERIFY(QDir(dir.path()).isEmpty());
     }
 
+    // The saved PDF takes the page setup's orientation and opens in the viewer.
+    void wipPDF_data()
+    {
+        QTest::addColumn<bool>("landscape");
+        QTest::newRow("portrait") << false;
+        QTest::newRow("landscape") << true;
+    }
     void wipPDF()
     {
+        QFETCH(bool, landscape);
         DB db;
         Nav nav;
         Sample::create(db);
@@ -211,11 +222,19 @@ private Q_SLOTS:
         ReportsScreen::saveFileHook() = [&](QWidget *, const QString &, const QString &, const QString &) {
             return path;
         };
+        QStringList opened;
+        SavedPdf::openHook() = [&](const QString &p) { opened << p; };
+        PrintSetup::setShared(
+            PagedDocument::letter(landscape ? QPageLayout::Landscape : QPageLayout::Portrait));
         ReportsScreen screen(context(db, nav, u"reports"_s));
         screen.savePDF();
+        PrintSetup::setShared(PagedDocument::letter());
+        SavedPdf::openHook() = [](const QString &) {};
         QFile f(path);
         QVERIFY(f.open(QIODevice::ReadOnly));
         QVERIFY(f.read(5) == "%PDF-");
+        QCOMPARE(opened, QStringList{path});
+        QCOMPARE(PdfPages(path).pageSize(0).toSize(), landscape ? QSize(792, 612) : QSize(612, 792));
     }
 
     // File > Print in front of Reports prints the WIP report, never a project report.

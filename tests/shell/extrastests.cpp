@@ -108,6 +108,11 @@ private Q_SLOTS:
                                                 {u"Markup 10%"_s, 10000},
                                                 {u"Tax 5%"_s, 5500},
                                                 {u"Proposal total"_s, 115500}}));
+        const auto *note = panel->findChild<QLabel *>(u"note"_s);
+        QVERIFY(note);
+        QCOMPARE(note->text(),
+                 u"Lines are quantity × unit cost. Markup applies to the subtotal; tax applies to "
+                 u"subtotal + markup."_s);
         // A new line shows in the same box on the next refresh.
         TotalsBox *box = panel->totals();
         db.add(u"est_line"_s, p.id, est.id, {{u"qty"_s, u"1"_s}, {u"unitCost"_s, u"100"_s}});
@@ -238,6 +243,8 @@ private Q_SLOTS:
         QTest::newRow("day shift") << u"07:00"_s << u"15:30"_s << u"30"_s << u"8.00 h"_s << qint64(36000);
         QTest::newRow("overnight") << u"22:00"_s << u"06:00"_s << u"0"_s << u"8.00 h"_s << qint64(36000);
         QTest::newRow("no clock out") << u"07:00"_s << QString() << u"0"_s << u"0.00 h"_s << qint64(0);
+        QTest::newRow("clock out blanks") << u"07:00"_s << u" \t"_s << u"30"_s << u"0.00 h"_s << qint64(0);
+        QTest::newRow("no clock in") << QString() << u"15:30"_s << u"0"_s << u"0.00 h"_s << qint64(0);
         QTest::newRow("quarter hours") << u"07:00"_s << u"07:20"_s << u"0"_s << u"0.33 h"_s << qint64(1485);
     }
     void timecardHours()

@@ -2,16 +2,24 @@
 // made, the pages handed to the print dialog, and the company logo command.
 #include "testmain.h"
 
+#include "catalog/modules.h"
 #include "documents/pageddocument.h"
+#include "documents/pdfout.h"
 #include "documents/pdfpages.h"
+#include "documents/pdfwrite.h"
 #include "documents/samplefiles.h"
 #include "shell/fileactions.h"
+#include "shell/nav.h"
 #include "shell/printbutton.h"
 #include "shell/printcenter.h"
 #include "shell/printengine.h"
+#include "shell/printsetup.h"
+#include "shell/recordeditor.h"
+#include "shell/savedpdf.h"
 #include "store/db.h"
 
 #include <QtCore/QBuffer>
+#include <QtCore/QDir>
 #include <QtCore/QTimer>
 #include <QtPrintSupport/QPrintPreviewDialog>
 #include <QtPrintSupport/QPrintPreviewWidget>
@@ -70,6 +78,107 @@ private Q_SLOTS:
     {
         PrintEngine::dialogHook() = nullptr;
         FileActions::openFileHook() = nullptr;
+        FileActions::saveFileHook() = nullptr;
+        PrintSetup::setShared(PagedDocument::letter());
+    }
+
+    // A PDF saved from the window takes the page setup's orientation and opens
+    // in the viewer; one that cannot be written opens nothing and says so.
+    void savedPdfFollowsPageSetup_data()
+    {
+        QTest::addColumn<int>("orientation");
+        QTest::addColumn<bool>("writable");
+        QTest::newRow("portrait") << int(QPageLayout::Portrait) << true;
+        QTest::newRow("landscape") << int(QPageLayout::Landscape) << true;
+        QTest::newRow("unwritable folder") << int(QPageLayout::Landscape) << false;
+    }
+    void savedPdfFollowsPageSetup()
+    {
+        QFETCH(int, orientation);
+        QFETCH(bool, writable);
+        DB db;
+        db.createCompany(u"Acme"_s, u"Ann"_s, u"CA"_s);
+        PrintSetup::setShared(PagedDocument::letter(QPageLayout::Orientation(orientation)));
+        QTemporaryDir dir;
+        const QString path = writable ? dir.filePath(u"report.pdf"_s) : dir.filePath(u"missing/report.pdf"_s);
+        QStringList opened;
+        SavedPdf::openHook() = [&](const QString &p) { opened << p; };
+        QString alert;
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, this, [&] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                alert = box->text();
+                box->accept();
+            }
+        });
+        poll.start(20);
+        const bool saved = SavedPdf::save(nullptr, path, [&](QPageLayout::Orientation o) {
+            return PDFOut::saveHTML(db, paragraphs(3), path, o);
+        });
+        SavedPdf::openHook() = [](const QString &) {};
+        QCOMPARE(saved, writable);
+        QCOMPARE(opened, writable ? QStringList{path} : QStringList{});
+        QCOMPARE(alert, writable ? QString() : u"Export failed"_s);
+        if (writable) {
+            const QSize want = orientation == int(QPageLayout::Landscape) ? QSize(792, 612) : QSize(612, 792);
+            QCOMPARE(PdfPages(path).pageSize(0).toSize(), want);
+        }
+        // A cancelled chooser writes and opens nothing.
+        QVERIFY(!SavedPdf::save(nullptr, QString(), [](QPageLayout::Orientation) { return true; }));
+    }
+
+    // After a backup the new zip is shown in the file manager; a cancelled one shows nothing.
+    void backupIsRevealed()
+    {
+        QTemporaryDir dir;
+        QDir().mkpath(dir.filePath(u"data"_s));
+        DB db(dir.filePath(u"data/trestle.sqlite"_s));
+        db.createCompany(u"Acme"_s, u"Ann"_s, u"CA"_s);
+        const QString zip = dir.filePath(u"backup.zip"_s);
+        // A failure would show a modal alert: note it and close it.
+        QString alert;
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, this, [&] {
+            if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                alert = box->text();
+                box->accept();
+            }
+        });
+        poll.start(20);
+        QStringList revealed;
+        FileActions::revealHook() = [&](const QString &p) { revealed << p; };
+        FileActions::saveFileHook() = [&](QWidget *, const QString &, const QString &) { return zip; };
+        FileActions::backupAll(nullptr, db);
+        FileActions::saveFileHook() = [&](QWidget *, const QString &, const QString &) { return QString(); };
+        FileActions::backupAll(nullptr, db);
+        FileActions::revealHook() = [](const QString &) {};
+        QCOMPARE(alert, QString());
+        QVERIFY(QFileInfo(zip).size() > 0);
+        QCOMPARE(revealed, QStringList{zip});
+    }
+
+    // The editor's Print button follows the record: its job's title and what the dialog is given.
+    void editorPrintFollowsEdits()
+    {
+        DB db;
+        db.createCompany(u"Acme"_s, u"Ann"_s, u"CA"_s);
+        const Rec p = db.add(u"project"_s, {}, {}, {{u"name"_s, u"Tower"_s}});
+        Rec rfi = db.add(u"rfi"_s, p.id, {}, {{u"number"_s, u"7"_s}, {u"subject"_s, u"Footing depth"_s}});
+        Nav nav;
+        const ModuleDef &def = *Modules::get(u"rfis"_s);
+        RecordEditor editor(db, nav, def, rfi.id);
+        auto *print = editor.findChild<PrintButton *>();
+        QVERIFY(print);
+        const QString before = print->job().title;
+        QVERIFY(before.endsWith(u" 7"_s));
+        rfi.f.insert(u"number"_s, u"12"_s);
+        db.save(rfi);
+        editor.refresh();
+        QCOMPARE(print->job().title, PDFOut::recordTitle(def, *db.get(rfi.id)));
+        QVERIFY(print->job().title.endsWith(u" 12"_s));
+        QVERIFY(print->toolTip().contains(print->job().title));
+        print->click();
+        QCOMPARE(m_shown.title, print->job().title);
     }
 
     void frontMostJobIsMade_data()
