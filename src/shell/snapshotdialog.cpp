@@ -176,7 +176,8 @@ void restore(QWidget *parent, DB &db)
 
 void startOfDay(DB &db, const std::function<void(const Backup::Result &, const QString &)> &done)
 {
-    if (db.inMemory())
+    // A damaged or unopened store is the recovery screen's business; copying it helps nobody.
+    if (db.inMemory() || !db.isOpen())
         return;
     const QString folder = QFileInfo(db.filesRoot()).absolutePath();
     if (!Snapshots::due(folder, db.size(), QDateTime::currentDateTime()))
