@@ -223,6 +223,10 @@ HelpPage safety()
             B::makeText(
                 u"Closing the window while changes wait asks first: try again, or save them to a file "
                 u"somewhere else (another disk or a USB drive) so that nothing is lost."_s),
+            B::makeText(
+                u"Once the disk has room again, File \u25B8 Load Unsaved Changes\u2026 writes that file "
+                u"back. A record you changed again since then keeps its newer version; Trestle says "
+                u"how many records it wrote, removed and skipped."_s),
             B::makeHeading(u"One window at a time"_s),
             B::makeText(u"Trestle runs in one window per computer account. Starting it again brings the open "
                         u"window to the front. While it is open, command-line jobs that change the data "

@@ -5,6 +5,7 @@
 #include "interchange/backup.h"
 #include "look/alert.h"
 #include "store/db.h"
+#include "store/recovery.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -139,6 +140,28 @@ std::function<void(const QString &)> &revealHook()
 {
     static std::function<void(const QString &)> hook;
     return hook;
+}
+
+void loadUnsaved(QWidget *parent, DB &db)
+{
+    const QString title = u"Load Unsaved Changes"_s;
+    const QString filter = u"Trestle changes (*.json)"_s;
+    const QString path = openFileHook()
+                             ? openFileHook()(parent, title, filter)
+                             : QFileDialog::getOpenFileName(parent, title, QDir::homePath(), filter);
+    if (path.isEmpty())
+        return;
+    QString error;
+    const auto result = Recovery::apply(db, path, &error);
+    if (!result) {
+        FWAlert::show(parent, u"Could not load the changes"_s, error);
+        return;
+    }
+    QString text = Recovery::summary(*result) + u"."_s;
+    // The banner says so too; the summary must not sound like they are on disk.
+    if (db.unsavedCount() > 0)
+        text += u" They could not be written yet ("_s + db.unsavedCause() + u"); Trestle keeps trying."_s;
+    FWAlert::show(parent, u"Unsaved changes loaded"_s, text);
 }
 
 void reveal(const QString &path)

@@ -17,9 +17,12 @@ void restore(QWidget *parent, DB &db);
 void exportCSV(QWidget *parent, DB &db);
 // Lets the user choose the company logo for printouts; says so when the file cannot be read.
 void chooseLogo(QWidget *parent, DB &db);
+// Loads a file of unsaved changes saved at an earlier close and says what it did.
+void loadUnsaved(QWidget *parent, DB &db);
 // Asks for one file to open: parent, message, name filter; the path, or empty when cancelled.
 using OpenFile = std::function<QString(QWidget *, const QString &, const QString &)>;
-// The file chooser of chooseLogo(); empty means the native dialog. Tests put their own here.
+// The file chooser of chooseLogo() and loadUnsaved(); empty means the native dialog. Tests put their own
+// here.
 OpenFile &openFileHook();
 // The chooser of backupAll()'s zip: parent, caption, proposed path; empty means the native dialog.
 using SaveFile = std::function<QString(QWidget *, const QString &, const QString &)>;

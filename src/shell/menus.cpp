@@ -32,6 +32,7 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
                  [w, &db] { FileActions::backupAll(w, db); });
     m->addAction(u"Restore From Backup…"_s, w, [w, &db] { FileActions::restore(w, db); });
     m->addAction(u"Restore From Snapshot…"_s, w, [w, &db] { SnapshotActions::restore(w, db); });
+    m->addAction(u"Load Unsaved Changes…"_s, w, [w, &db] { FileActions::loadUnsaved(w, db); });
     m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
     m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
     // A store that did not open takes nothing new; only the ways back stay.

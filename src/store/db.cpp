@@ -558,27 +558,7 @@ void DB::save(const Rec &rec)
 
 void DB::saveAll(const QList<Rec> &recs)
 {
-    QStringList ids;
-    ids.reserve(recs.size());
-    QList<Rec> copies;
-    copies.reserve(recs.size());
-    for (const Rec &rec : recs) {
-        Rec copy = rec;
-        copy.updated = nowSeconds();
-        put(copy);
-        ids.append(copy.id);
-        copies.append(std::move(copy));
-    }
-    const bool ok = (m_unsavedOrder.isEmpty() || retryUnsaved()) && writeBatch([&] {
-                        for (const Rec &copy : std::as_const(copies))
-                            if (!write(copy))
-                                return false;
-                        return true;
-                    });
-    if (!ok)
-        markUnsaved(ids);
-    ++m_revision;
-    Q_EMIT changed();
+    saveAndRemove(recs, {});
 }
 
 Rec DB::add(const QString &kind, const QString &project, const QString &parent, const Fields &fields,
@@ -601,38 +581,65 @@ Rec DB::add(const QString &kind, const QString &project, const QString &parent, 
 
 void DB::remove(const QString &id)
 {
-    auto rootIt = m_recs.find(id);
-    if (id.isEmpty() || rootIt == m_recs.end())
-        return;
-    const StoredRec *root = &rootIt->second;
-    const Rec top = root->rec;
-    // Everything that hangs from the record: children at any depth by parent,
-    // and for a project or a company everything that names it.
-    QSet<const StoredRec *> doomed{root};
-    QList<const StoredRec *> queue{root};
-    auto addAll = [&](const RecIndex::Bucket *bucket) {
-        if (!bucket)
-            return;
-        for (const StoredRec *r : *bucket)
-            if (!doomed.contains(r)) {
-                doomed.insert(r);
-                queue.append(r);
-            }
+    if (!id.isEmpty() && m_recs.contains(id))
+        saveAndRemove({}, {id});
+}
+
+void DB::saveAndRemove(const QList<Rec> &recs, const QStringList &removals)
+{
+    QStringList ids;
+    ids.reserve(recs.size());
+    QList<Rec> copies;
+    copies.reserve(recs.size());
+    for (const Rec &rec : recs) {
+        Rec copy = rec;
+        copy.updated = nowSeconds();
+        put(copy);
+        ids.append(copy.id);
+        copies.append(std::move(copy));
+    }
+    // Everything that hangs from a removed record: children at any depth by
+    // parent, and for a project or a company everything that names it.
+    QSet<const StoredRec *> doomed;
+    QList<const StoredRec *> queue;
+    auto doom = [&](const StoredRec *r) {
+        if (!doomed.contains(r)) {
+            doomed.insert(r);
+            queue.append(r);
+        }
     };
-    if (top.kind == u"project")
-        for (const RecIndex::Bucket *b : m_index.byProject(id))
-            addAll(b);
-    if (top.kind == u"company")
-        for (const RecIndex::Bucket *b : m_index.byCompany(id))
-            addAll(b);
+    auto addAll = [&](const RecIndex::Bucket *bucket) {
+        if (bucket)
+            for (const StoredRec *r : *bucket)
+                doom(r);
+    };
+    QStringList companies; // removed companies, whose folders go too
+    for (const QString &id : removals) {
+        auto it = m_recs.find(id);
+        if (id.isEmpty() || it == m_recs.end())
+            continue;
+        doom(&it->second);
+        const Rec &top = it->second.rec;
+        if (top.kind == u"project")
+            for (const RecIndex::Bucket *b : m_index.byProject(id))
+                addAll(b);
+        if (top.kind == u"company") {
+            companies.append(id);
+            for (const RecIndex::Bucket *b : m_index.byCompany(id))
+                addAll(b);
+        }
+    }
     for (qsizetype k = 0; k < queue.size(); ++k)
         addAll(m_index.byParent(queue.at(k)->rec.id));
 
-    QStringList ids;
+    QStringList gone;
     for (const StoredRec *s : std::as_const(doomed))
-        ids.append(s->rec.id);
+        gone.append(s->rec.id);
     const bool ok = (m_unsavedOrder.isEmpty() || retryUnsaved()) && writeBatch([&] {
-                        for (const QString &rid : std::as_const(ids))
+                        for (const Rec &copy : std::as_const(copies))
+                            if (!doomed.contains(&m_recs.at(copy.id)) && !write(copy))
+                                return false;
+                        for (const QString &rid : std::as_const(gone))
                             if (!removeRow(rid))
                                 return false;
                         return true;
@@ -645,18 +652,17 @@ void DB::remove(const QString &id)
             if (!file.isEmpty())
                 QFile::remove(fileURL(file, s->rec.company));
         }
-
-    for (const QString &rid : std::as_const(ids)) {
+    for (const QString &rid : std::as_const(gone)) {
         auto it = m_recs.find(rid);
         m_index.remove(&it->second);
         m_recs.erase(it);
     }
     if (!ok)
-        markUnsaved(ids);
+        markUnsaved(ids + gone);
     ++m_revision;
     Q_EMIT changed();
 
-    if (top.kind == u"company") {
+    for (const QString &id : std::as_const(companies)) {
         if (ok)
             QDir(QDir(m_filesRoot).filePath(id)).removeRecursively();
         if (m_companyID == id) {

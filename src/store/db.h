@@ -118,6 +118,9 @@ public:
     // Removes the record and everything that hangs from it by parent, or by
     // project for a project, or by company for a company, with their files.
     void remove(const QString &id);
+    // Saves `recs` and removes `removals` (as remove does) in one transaction,
+    // with one changed(); an id that is absent already is passed over.
+    void saveAndRemove(const QList<Rec> &recs, const QStringList &removals);
     // Calls `fn` for every record, in no particular order.
     void forEach(const std::function<void(const Rec &)> &fn) const;
     qsizetype size() const { return qsizetype(m_recs.size()); }

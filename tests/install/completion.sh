@@ -14,7 +14,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch" || exit 1
 mkdir -p out.d
-touch nightly.zip notes.txt wip.pdf sheet.csv
+touch nightly.zip notes.txt wip.pdf sheet.csv unsaved.json
 fail=0
 
 # What bash offers for a line typed up to its end ("trestle rep" completes "rep").
@@ -39,7 +39,7 @@ while IFS='|' read -r line expected; do
         fail=1
     fi
 done <<'CASES'
-trestle |backup docx export-csv export-qb info log pdf proposal report restore sample snapshot snapshots
+trestle |backup docx export-csv export-qb info log pdf proposal recover report restore sample snapshot snapshots
 trestle s|sample snapshot snapshots
 trestle exp|export-csv export-qb
 trestle --|--help --screenshot --version
@@ -50,6 +50,9 @@ trestle report wip --|--project
 trestle report wip --project |
 trestle restore |nightly.zip out.d
 trestle restore nightly.zip --|--yes
+trestle rec|recover
+trestle recover |out.d unsaved.json
+trestle recover unsaved.json |
 trestle backup |nightly.zip out.d
 trestle backup nightly.zip |
 trestle export-qb |out.d
