@@ -16,7 +16,6 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QMessageBox>
 #include <QtWidgets/QScrollArea>
 
 using namespace Qt::StringLiterals;
@@ -72,7 +71,7 @@ RecoveryScreen::RecoveryScreen(DB &db, QWidget *parent)
         addChoice(
             k == 0 ? u"Restore Newest Snapshot"_s : u"Restore This Snapshot"_s,
             k == 0 ? u"clock.arrow.circlepath"_s : QString(), describe(info, now),
-            [this, info, folder] { restoreSnapshot(info, folder); }, k == 0);
+            [this, info, folder] { SnapshotActions::askAndRestore(window(), info, folder); }, k == 0);
     }
     if (m_snapshots.isEmpty())
         m_none = new QLabel(
@@ -101,27 +100,6 @@ QString RecoveryScreen::describe(const Snapshots::Info &info, const QDateTime &n
         info.records == 1 ? u"1 record"_s : QLocale(QLocale::English).toString(info.records) + u" records"_s;
     return QLocale(QLocale::English).toString(info.taken, u"dddd d MMMM yyyy, HH:mm"_s) + u" \u00B7 "_s +
            SnapshotDialog::age(info.taken, now) + u" \u00B7 "_s + records;
-}
-
-void RecoveryScreen::restoreSnapshot(const Snapshots::Info &info, const QString &dataFolder)
-{
-    QMessageBox ask(QMessageBox::Warning, u"Restore from a snapshot?"_s, u"Restore from a snapshot?"_s,
-                    QMessageBox::NoButton, window());
-    ask.setInformativeText(
-        u"This replaces ALL companies and data on this computer with the snapshot of "_s +
-        QLocale(QLocale::English).toString(info.taken, u"d MMMM yyyy, HH:mm"_s) +
-        u". The data there now is kept aside. The app quits when it's done; open it again."_s);
-    QPushButton *go = ask.addButton(u"Restore"_s, QMessageBox::AcceptRole);
-    ask.addButton(u"Cancel"_s, QMessageBox::RejectRole);
-    ask.exec();
-    if (ask.clickedButton() != go)
-        return;
-    const Backup::Result result = Snapshots::restore(info.path, dataFolder);
-    if (result.ok) {
-        QApplication::exit(0);
-        return;
-    }
-    FWAlert::show(window(), result.title.isEmpty() ? u"Restore failed"_s : result.title, result.message);
 }
 
 QString RecoveryScreen::title(const DB &db)

@@ -27,7 +27,6 @@ public:
 private:
     void restyle();
     // Asks as a restore from a backup does, then restores and quits.
-    void restoreSnapshot(const Snapshots::Info &info, const QString &dataFolder);
     // Adds a choice: a button and a line that says what it does.
     void addChoice(const QString &button, const QString &symbol, const QString &detail,
                    const std::function<void()> &action, bool prominent = false);

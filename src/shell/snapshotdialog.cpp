@@ -138,33 +138,40 @@ QString SnapshotDialog::age(const QDateTime &taken, const QDateTime &now)
 
 void SnapshotDialog::confirm()
 {
-    const QString path = chosen();
-    if (path.isEmpty())
+    const QList<QTreeWidgetItem *> picked = m_list->selectedItems();
+    if (picked.isEmpty())
         return;
-    const QDateTime taken =
-        m_snapshots.at(m_list->indexOfTopLevelItem(m_list->selectedItems().first())).taken;
+    if (SnapshotActions::askAndRestore(this, m_snapshots.at(m_list->indexOfTopLevelItem(picked.first())),
+                                       m_dataFolder))
+        accept();
+}
+
+namespace SnapshotActions {
+
+bool askAndRestore(QWidget *parent, const Snapshots::Info &snapshot, const QString &dataFolder)
+{
     QMessageBox ask(QMessageBox::Warning, u"Restore from a snapshot?"_s, u"Restore from a snapshot?"_s,
-                    QMessageBox::NoButton, this);
-    ask.setInformativeText(u"This replaces ALL companies and data on this computer with the snapshot of "_s +
-                           takenText(taken) + u". The app quits when it's done; open it again."_s);
+                    QMessageBox::NoButton, parent);
+    ask.setInformativeText(
+        u"This replaces ALL companies and data on this computer with the snapshot of "_s +
+        takenText(snapshot.taken) +
+        u". The data there now is kept aside. The app quits when it's done; open it again."_s);
     QPushButton *go = ask.addButton(u"Restore"_s, QMessageBox::AcceptRole);
     ask.addButton(u"Cancel"_s, QMessageBox::RejectRole);
     ask.exec();
     if (ask.clickedButton() != go)
-        return;
+        return false;
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    const Backup::Result result = Snapshots::restore(path, m_dataFolder);
+    const Backup::Result result = Snapshots::restore(snapshot.path, dataFolder);
     QGuiApplication::restoreOverrideCursor();
-    if (result.ok) {
-        accept();
-        // The store still points at the folder that was moved aside: nothing may be written now.
-        QApplication::exit(0);
-        return;
+    if (!result.ok) {
+        FWAlert::show(parent, result.title.isEmpty() ? u"Restore failed"_s : result.title, result.message);
+        return false;
     }
-    FWAlert::show(this, result.title, result.message);
+    // The store still points at the folder that was moved aside: nothing may be written now.
+    QApplication::exit(0);
+    return true;
 }
-
-namespace SnapshotActions {
 
 void restore(QWidget *parent, DB &db)
 {

@@ -36,6 +36,9 @@ private:
 namespace SnapshotActions {
 // Shows the dialog over `parent` for the store's data folder.
 void restore(QWidget *parent, DB &db);
+// Asks the restore question for `snapshot`; on yes restores it over
+// `dataFolder` and ends the program's loop. True when it was restored.
+bool askAndRestore(QWidget *parent, const Snapshots::Info &snapshot, const QString &dataFolder);
 // What the window does at start, before anything is written: when a snapshot
 // is due, pins the store's present state and copies it on a thread of its
 // own, so the first paint does not wait. `done` hears the outcome; without
