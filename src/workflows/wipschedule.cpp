@@ -136,9 +136,8 @@ WipSchedule WipSchedule::of(const DB &db)
 QString WipSchedule::methodNote()
 {
     return u"Cost-to-cost method: % complete = cost to date ÷ estimated cost; earned revenue = contract × "
-           u"% complete; over or under billing = billed to date − earned revenue, job by job; a foreseen "
-           u"loss "
-           u"is taken in full."_s;
+           u"% complete; over/under billing = billed to date − earned revenue, per job; a foreseen loss is "
+           u"taken in full."_s;
 }
 
 QString WipSchedule::plainMoney(qint64 cents)
