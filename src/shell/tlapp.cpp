@@ -13,6 +13,7 @@
 
 #include <QtCore/QTextStream>
 #include <QtCore/QTimer>
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
 #include <cmath>
@@ -143,6 +144,9 @@ int run(int &argc, char **argv)
     QApplication::setApplicationName(u"Trestle"_s);
     QApplication::setApplicationDisplayName(u"Fenwright Trestle"_s);
     QApplication::setApplicationVersion(QStringLiteral(TRESTLE_VERSION));
+    // The id names the installed .desktop file: Wayland finds the window's icon and menu entry by it.
+    QGuiApplication::setDesktopFileName(u"com.fenwright.Trestle"_s);
+    QApplication::setWindowIcon(QIcon(u":/com.fenwright.Trestle.svg"_s));
     if (helpPagesHook())
         helpPagesHook()();
     DB &db = DB::shared();
