@@ -7,6 +7,9 @@
 #include "pdfwrite.h"
 #include "workflows/wipschedule.h"
 
+#include <QtGui/QFontMetricsF>
+#include <QtGui/QImage>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -15,26 +18,60 @@ namespace {
 // every amount on one line, a grand total in the hundreds of millions too,
 // with room left for the job's name.
 const QString kBold = u" style='font-size:5.5pt;font-weight:bold'"_s;
-// An amount never breaks at its commas, nor a name but where it is broken here.
+// No cell wraps by itself: an amount never breaks at its commas, and a
+// name only where it is broken here. Were the name free to wrap, Qt would
+// widen its column past the page in proportion to the whole name's length.
 const QString kFigure = u" style='font-size:5.5pt;white-space:nowrap'"_s;
-// The job's column is set on at most two lines of this many characters, so
-// that the figures keep the width they need and a row stays short.
-constexpr qsizetype kJobLine = 34;
+// Each cell's padding on both sides and its rule, in points.
+constexpr double kCellExtra = 2;
+// Kept free at the table's end against rounding in the layout, and the least
+// the job's column gets however wide the figures are.
+constexpr double kSafety = 2, kJobLeast = 60;
 
-// The job's text on lines of at most kJobLine characters, broken between
-// words; a third line's worth is cut short with an ellipsis.
-QString jobLines(const QString &text)
+// The document's type at the table's size, measured in points as the paged
+// engine sets it, so that the job's column gets what the figures leave.
+class Measure
+{
+public:
+    Measure()
+        : m_device(1, 1, QImage::Format_RGB32)
+    {
+        m_device.setDotsPerMeterX(2835); // 72 dots an inch: a dot is a point
+        m_device.setDotsPerMeterY(2835);
+        m_plain.setFamily(u"Helvetica Neue"_s);
+        m_plain.setPointSizeF(5.5);
+        m_bold = m_plain;
+        m_bold.setBold(true);
+    }
+    double width(const QString &text, bool bold) const
+    {
+        return QFontMetricsF(bold ? m_bold : m_plain, &m_device).horizontalAdvance(text);
+    }
+
+private:
+    QImage m_device;
+    QFont m_plain;
+    QFont m_bold;
+};
+
+// The job's text on at most two lines no wider than `room`, broken between
+// words; what a third line would hold is cut short with an ellipsis.
+QString jobLines(const QString &text, double room, bool bold, const Measure &m)
 {
     QStringList lines{QString()};
     for (const QString &word : text.split(u' ', Qt::SkipEmptyParts)) {
         QString &line = lines.last();
-        if (!line.isEmpty() && line.size() + 1 + word.size() > kJobLine)
+        const QString longer = line.isEmpty() ? word : line + u' ' + word;
+        if (!line.isEmpty() && m.width(longer, bold) > room)
             lines.append(word);
         else
-            line += (line.isEmpty() ? QString() : u" "_s) + word;
+            line = longer;
     }
     if (lines.size() > 2) {
-        lines[1] = QStringList(lines.mid(1)).join(u' ').left(kJobLine - 1) + u'…';
+        QString rest = QStringList(lines.mid(1)).join(u' ');
+        while (rest.size() > 1 && m.width(rest + u'…', bold) > room)
+            rest.chop(1);
+        lines[1] = rest + u'…';
         lines.resize(2);
     }
     for (QString &line : lines)
@@ -46,9 +83,8 @@ QString cell(const QString &text, bool right, bool bold, const QString &attribut
 {
     // The weight goes on a span of its own: a bare <b> falls back to the body size.
     const QString body = bold ? u"<span"_s + kBold + u'>' + text + u"</span>"_s : text;
-    // Figures stand level with the first line of a name set on two.
-    return u"<td valign=top"_s + attributes + u" align="_s + (right ? u"right"_s : u"left"_s) + kFigure +
-           u'>' + body + u"</td>"_s;
+    return u"<td"_s + attributes + u" align="_s + (right ? u"right"_s : u"left"_s) + kFigure + u'>' + body +
+           u"</td>"_s;
 }
 
 QString open(const QString &background = {})
@@ -61,10 +97,11 @@ QString open(const QString &background = {})
 // would give the slack to the figures and squeeze the names to a word a
 // line. A total's label is bold; its figures are not, as bold ones would
 // not fit, and its shaded band sets it apart.
-QString row(const QString &job, const WipLine &l, bool total, const QString &background = {})
+QString row(const QString &job, const WipLine &l, bool total, double room, const Measure &m,
+            const QString &background = {})
 {
     const QStringList cells = PrintReports::wipScheduleCells(l);
-    QString out = open(background) + cell(jobLines(job), false, total);
+    QString out = open(background) + cell(jobLines(job, room, total, m), false, total);
     for (int k = 2; k < cells.size(); ++k)
         out += cell(PDFOut::esc(cells.at(k)), true, false);
     return out + u"</tr>"_s;
@@ -125,11 +162,13 @@ QString wipScheduleHTML(const DB &db, const WipSchedule &s)
     QStringList heads = wipScheduleHeads().mid(1);
     const int columns = int(heads.size());
     QString out = PDFOut::header(db, kWipScheduleTitle, std::nullopt);
-    out += u"<p style='font-size:9pt;color:#444'>As of "_s + PDFOut::esc(DateFmt::nice(DateFmt::today())) +
-           u". Amounts in dollars.</p>"_s;
-    out += u"<p style='font-size:7pt;color:#444'>"_s + PDFOut::esc(WipSchedule::methodNote()) + u"</p>"_s;
+    // One paragraph with little space below: every line of the page goes to the jobs.
+    out += u"<p style='font-size:9pt;color:#444;margin-top:4pt;margin-bottom:6pt'>As of "_s +
+           PDFOut::esc(DateFmt::nice(DateFmt::today())) +
+           u". Amounts in dollars.<br><span style='font-size:6.5pt'>"_s +
+           PDFOut::esc(WipSchedule::methodNote()) + u"</span></p>"_s;
 
-    out += u"<table width='100%' border=1 cellspacing=0 cellpadding=1 style='border-collapse:collapse'>"_s
+    out += u"<table width='100%' border=1 cellspacing=0 cellpadding=0.5 style='border-collapse:collapse'>"_s
            u"<tr style='background:#e8e8ee'>"_s;
     heads[0] = u"Job"_s;
     for (int k = 0; k < columns; ++k) {
@@ -137,15 +176,39 @@ QString wipScheduleHTML(const DB &db, const WipSchedule &s)
                u"</th>"_s;
     }
     out += u"</tr>"_s;
+    // The figures keep their whole width (the widest amount, or the longest
+    // word of the head); the job's column has the rest of the line.
+    const Measure m;
+    QList<double> widest(columns, 0);
+    for (int k = 1; k < columns; ++k)
+        for (const QString &word : heads.at(k).split(u' '))
+            widest[k] = std::max(widest[k], m.width(word, true));
+    QList<const WipLine *> all{&s.total};
+    for (const WipSection *section : {&s.inProgress, &s.completed}) {
+        all.append(&section->total);
+        for (const WipLine &l : section->lines)
+            all.append(&l);
+    }
+    for (const WipLine *l : all) {
+        const QStringList cells = wipScheduleCells(*l);
+        for (int k = 1; k < columns; ++k)
+            widest[k] = std::max(widest[k], m.width(cells.at(k + 1), false));
+    }
+    double room = PagedDocument::letter(QPageLayout::Landscape).fullRect(QPageLayout::Point).width() -
+                  2 * PagedDocument::kSide - kCellExtra - kSafety;
+    for (int k = 1; k < columns; ++k)
+        room -= widest.at(k) + kCellExtra;
+    room = std::max(room, kJobLeast);
+
     for (const WipSection *section : {&s.inProgress, &s.completed}) {
         out += across(section->title, columns, true);
         for (const WipLine &l : section->lines)
-            out += row(QString(l.number + u"  "_s + l.name).trimmed(), l, false);
+            out += row(QString(l.number + u"  "_s + l.name).trimmed(), l, false, room, m);
         if (section->lines.isEmpty())
             out += across(u"None"_s, columns, false);
-        out += row(u"Total "_s + section->title.toLower(), section->total, true, u"#f2f2f5"_s);
+        out += row(u"Total "_s + section->title.toLower(), section->total, true, room, m, u"#f2f2f5"_s);
     }
-    out += row(u"Total all contracts"_s, s.total, true, u"#dcdce4"_s);
+    out += row(u"Total all contracts"_s, s.total, true, room, m, u"#dcdce4"_s);
     return out + u"</table>"_s;
 }
 
