@@ -3,6 +3,7 @@
 #include "calcbench.h"
 #ifdef TRESTLE_DOCBENCH
 #include "docbench.h"
+#include "wipbench.h"
 #include <QtGui/QGuiApplication>
 #endif
 #include "flowbench.h"
@@ -228,6 +229,7 @@ void runFigures(const QString &path, int runs)
     runInterchangeBench(db, path, runs, out());
 #ifdef TRESTLE_DOCBENCH
     runDocBench(db, runs, out());
+    runWipBench(db, runs, out());
 #endif
 }
 

@@ -7,8 +7,11 @@
 #include "documents/printreports.h"
 #include "documents/reportshtml.h"
 #include "documents/schedulehtml.h"
+#include "documents/wipschedulehtml.h"
+#include "interchange/csv.h"
 #include "store/db.h"
 #include "verbs.h"
+#include "workflows/wipschedule.h"
 
 #include <QtGui/QTextDocument>
 
@@ -147,6 +150,7 @@ int report(const QStringList &given, QTextStream &out, QTextStream &err)
     std::optional<QString> number;
     const QString usage =
         u"usage: trestle report wip|hub <file.pdf> [--project <number>]\n"
+        u"       trestle report wip-schedule <file.pdf|file.csv>\n"
         u"       trestle report project|budget|jobcost|schedule <project-number> <file.pdf>\n"_s;
     if (!takeOption(args, u"--project"_s, number) || args.isEmpty()) {
         err << usage;
@@ -154,6 +158,17 @@ int report(const QStringList &given, QTextStream &out, QTextStream &err)
     }
     const DB &db = DB::shared();
     const QString kind = args.takeFirst();
+    if (kind == u"wip-schedule"_s) {
+        if (args.size() != 1 || number) {
+            err << usage;
+            return 2;
+        }
+        // A spreadsheet file by its name, the document otherwise.
+        const QString path = args.at(0);
+        const bool csv = path.endsWith(u".csv"_s, Qt::CaseInsensitive);
+        return done(csv ? CSV::save(WipSchedule::of(db).csvRows(), path) : PDFOut::wipSchedule(db, path),
+                    path, out, err);
+    }
     const bool whole = kind == u"wip"_s || kind == u"hub"_s;
     const bool single = QStringList{u"project"_s, u"budget"_s, u"jobcost"_s, u"schedule"_s}.contains(kind);
     if ((!whole && !single) || args.size() != (whole ? 1 : 2) || (single && number)) {
@@ -191,8 +206,10 @@ const Verbs::Register regDocx({u"docx"_s, u"<document-id> <file.docx>"_s, u"Save
                                &docx});
 const Verbs::Register regLog({u"log"_s, u"<module-id> <file.pdf> [--project <n>] [--search <text>]"_s,
                               u"Save a module's list log as a PDF"_s, &log});
-const Verbs::Register regReport({u"report"_s, u"<kind> [<project-number>] <file.pdf> [--project <n>]"_s,
-                                 u"Save a report (wip, hub, project, budget, jobcost, schedule) as a PDF"_s,
-                                 &report});
+const Verbs::Register
+    regReport({u"report"_s, u"<kind> [<project-number>] <file.pdf> [--project <n>]"_s,
+               u"Save a report (wip, wip-schedule, hub, project, budget, jobcost, schedule) as a PDF; "
+               u"wip-schedule to a .csv file writes CSV"_s,
+               &report});
 
 } // namespace

@@ -17,6 +17,7 @@ struct PrintSource
     std::shared_ptr<const QTextDocument> document; // Attributed: never null for that kind
     QString pdfPath;                               // Pdf: the sheet's file
     QString caption;                               // Pdf: the line above each sheet page
+    bool landscape = false;                        // Html: columns too wide for a portrait page
 
     // A generated document; the engine adds the closing credit.
     static PrintSource fromHtml(const QString &html);

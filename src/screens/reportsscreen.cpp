@@ -4,20 +4,24 @@
 #include "fieldpulse.h"
 #include "hubparts.h"
 #include "projectchart.h"
+#include "wipscheduleview.h"
 
 #include "catalog/moduledef.h"
 #include "documents/pdfwrite.h"
 #include "documents/reportshtml.h"
+#include "documents/wipschedulehtml.h"
 #include "interchange/csv.h"
 #include "look/alert.h"
 #include "look/buttons.h"
 #include "look/fwui.h"
+#include "look/segment.h"
 #include "shell/nav.h"
 #include "shell/printbutton.h"
 #include "shell/printcenter.h"
 #include "shell/printengine.h"
 #include "shell/screentitle.h"
 #include "store/db.h"
+#include "store/settings.h"
 #include "workflows/figures.h"
 
 #include <QtCore/QDir>
@@ -26,12 +30,14 @@
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QGridLayout>
 #include <QtWidgets/QScrollArea>
+#include <QtWidgets/QStackedWidget>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString kWipTitle = u"WIP Report"_s;
+const QString kViewKey = u"fenwright.reports.view"_s;
 
 PrintJob wipJob(const DB &db)
 {
@@ -139,8 +145,19 @@ ReportsScreen::ReportsScreen(const ScreenContext &ctx, QWidget *parent)
     row->addWidget(pdf);
     row->addWidget(csv);
     row->addWidget(new PrintButton(job, false, false, buttons));
+    m_reportButtons = buttons;
     m_box->addWidget(
         new ScreenTitle(m_m, u"Work in progress, billing and cost for every project"_s, buttons, this));
+    m_views = new FWSegment({u"WIP Report"_s, PrintReports::kWipScheduleTitle}, this);
+    m_views->setAccessibleName(u"Report"_s);
+    connect(m_views, &FWSegment::currentChanged, this, [this](int index) {
+        showView(index);
+        Settings::setText(kViewKey, index == 1 ? u"schedule"_s : u"report"_s);
+    });
+    auto *switchRow = new QHBoxLayout;
+    switchRow->addWidget(m_views);
+    switchRow->addStretch(1);
+    m_box->addLayout(switchRow);
 
     auto *content = new QWidget;
     auto *body = new QVBoxLayout(content);
@@ -173,9 +190,18 @@ ReportsScreen::ReportsScreen(const ScreenContext &ctx, QWidget *parent)
     reportBox->addLayout(pick);
     body->addWidget(report);
     body->addStretch(1);
-    m_box->addWidget(HubParts::scroller(content, this), 1);
+    m_stack = new QStackedWidget(this);
+    m_stack->addWidget(HubParts::scroller(content, this));
+    m_schedule = new WipScheduleView(m_db, m_stack);
+    connect(m_schedule, &WipScheduleView::pdfRequested, this, &ReportsScreen::saveSchedulePDF);
+    connect(m_schedule, &WipScheduleView::csvRequested, this, &ReportsScreen::saveScheduleCSV);
+    m_stack->addWidget(m_schedule);
+    switchRow->addWidget(m_schedule->buttons());
+    m_box->addWidget(m_stack, 1);
 
     m_printable = new Printable(this, 0, job);
+    // The screen opens on the view the user chose last.
+    showView(Settings::text(kViewKey) == u"schedule" ? 1 : 0);
     margins();
     connect(&FWUI::shared(), &FWUI::changed, this, &ReportsScreen::margins);
     refresh();
@@ -204,13 +230,17 @@ void ReportsScreen::refresh()
         m_figuresOf = seen;
         QList<ChartGroup> groups;
         QList<QStringList> rows;
+        QList<std::pair<Rec, ProjectFigures>> figures;
         for (const Rec &p : projects) {
             const ProjectFigures f = ProjectFigures::of(m_db, p);
             groups.append({p.f.value(u"name"_s), f.contract.revised, f.billed, f.cost});
             rows.append(PrintReports::line(p, f));
+            figures.append({p, f});
         }
         m_chart->setGroups(groups);
         m_table->setRows(rows);
+        // The schedule reads the same figures, so they are worked out once.
+        m_schedule->setSchedule(WipSchedule::from(figures));
         m_pulse->refresh(std::nullopt);
     }
 
@@ -264,6 +294,37 @@ void ReportsScreen::saveCSV()
 {
     const QString path = ask(u"Export WIP CSV"_s, kWipTitle + u".csv"_s, u"CSV files (*.csv)"_s);
     if (!path.isEmpty() && !CSV::save(csvRows(m_db), path))
+        FWAlert::show(this, u"Export failed"_s, u"The CSV file could not be written to "_s + path + u'.');
+}
+
+void ReportsScreen::showView(int index)
+{
+    index = std::clamp(index, 0, 1);
+    m_views->setCurrent(index);
+    m_stack->setCurrentIndex(index);
+    m_reportButtons->setVisible(index == 0);
+    m_schedule->buttons()->setVisible(index == 1);
+    m_printable->setJob(index == 0 ? wipJob(m_db) : WipScheduleView::job(m_db));
+}
+
+int ReportsScreen::view() const
+{
+    return m_stack->currentIndex();
+}
+
+void ReportsScreen::saveSchedulePDF()
+{
+    const QString path =
+        ask(u"Save WIP Schedule PDF"_s, PrintReports::kWipScheduleTitle + u".pdf"_s, u"PDF files (*.pdf)"_s);
+    if (!path.isEmpty() && !PDFOut::wipSchedule(m_db, path))
+        FWAlert::show(this, u"Export failed"_s, u"The PDF could not be written to "_s + path + u'.');
+}
+
+void ReportsScreen::saveScheduleCSV()
+{
+    const QString path = ask(u"Export WIP Schedule CSV"_s, PrintReports::kWipScheduleTitle + u".csv"_s,
+                             u"CSV files (*.csv)"_s);
+    if (!path.isEmpty() && !CSV::save(WipSchedule::of(m_db).csvRows(), path))
         FWAlert::show(this, u"Export failed"_s, u"The CSV file could not be written to "_s + path + u'.');
 }
 

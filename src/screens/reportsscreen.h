@@ -14,6 +14,9 @@ class ProjectChart;
 class ScreenTitle;
 class QComboBox;
 class QGridLayout;
+class QStackedWidget;
+class FWSegment;
+class WipScheduleView;
 
 // The work-in-progress table: a head row and a row per project, money right-aligned.
 class WipTable : public FWPanel
@@ -59,6 +62,14 @@ public:
     void chooseReportProject(const QString &id);
     QString reportProject() const { return m_reportProject; }
 
+    // Brings the report (0) or the WIP schedule (1) to the front; the File menu prints the one in front.
+    void showView(int index);
+    int view() const;
+    // Asks for a file and writes the WIP schedule there as PDF, or as CSV.
+    void saveSchedulePDF();
+    void saveScheduleCSV();
+    WipScheduleView *schedule() const { return m_schedule; }
+
     ProjectChart *chart() const { return m_chart; }
     WipTable *table() const { return m_table; }
     FieldPulse *pulse() const { return m_pulse; }
@@ -77,6 +88,10 @@ private:
     QComboBox *m_projects;
     FWChromeButton *m_printReport;
     Printable *m_printable;
+    QWidget *m_reportButtons;
+    FWSegment *m_views;
+    QStackedWidget *m_stack;
+    WipScheduleView *m_schedule;
     QString m_reportProject;
     QStringList m_projectKey;
     std::pair<quint64, QString> m_figuresOf{~quint64(0), {}};

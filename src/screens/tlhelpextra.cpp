@@ -223,6 +223,43 @@ QHash<QString, QList<HelpBlock>> build()
             B::makeText(u"Work-in-progress across every project: revised contract, billed, percent billed, "
                         u"retainage held, payments received, cost to date and projected margin. Export as "
                         u"PDF or CSV, or print a full report for one project."_s),
+            B::makeHeading(u"WIP Schedule"_s),
+            B::makeText(
+                u"Switch to WIP Schedule at the top for the schedule your surety, bank and accountant ask "
+                u"for: percentage of completion by the cost-to-cost method, with over and under billing "
+                u"job by job. Projects still Bidding are left out; Complete ones form Completed "
+                u"contracts, all others Contracts in progress. Each section has its totals, and the "
+                u"chart shows each job's over billing above the line and under billing below it. Save "
+                u"it as PDF or CSV, or print it."_s),
+            B::makeControl(u"Contract"_s, u"C: the revised contract, the original plus approved owner change "
+                                          u"orders."_s),
+            B::makeControl(u"Estimated cost"_s,
+                           u"T: the larger of the revised budget and the cost to date, since cost past the "
+                           u"budget is the estimate; for a completed contract T = cost to date."_s),
+            B::makeControl(u"Est. gross profit"_s,
+                           u"EGP = C − T: what the job is expected to make, or lose."_s),
+            B::makeControl(u"Cost to date"_s, u"CTD: actual job cost, bills plus labour plus equipment."_s),
+            B::makeControl(u"Cost to complete"_s, u"T − CTD: what is still to be spent."_s),
+            B::makeControl(u"% complete"_s, u"P = CTD ÷ T, held between 0% and 100%; 0% when T is zero or "
+                                            u"less; 100% for a completed contract."_s),
+            B::makeControl(u"Earned revenue"_s, u"E = C × P, exactly to the cent (C × CTD ÷ T, halves "
+                                                u"rounded away from zero)."_s),
+            B::makeControl(u"Gross profit to date"_s,
+                           u"E − CTD while the job shows a profit; the whole loss EGP as soon as EGP is "
+                           u"negative."_s),
+            B::makeControl(u"Loss provision"_s,
+                           u"(E − CTD) − EGP when EGP is negative, otherwise 0: the part "
+                           u"of a foreseen loss that cost has not shown yet."_s),
+            B::makeControl(u"Billed to date"_s,
+                           u"B: line 4 of the latest pay application plus the subtotals of invoices that "
+                           u"are not Void, gross of retainage, without tax."_s),
+            B::makeControl(u"Over billings"_s, u"B − E when positive, otherwise 0: billed ahead of the work, "
+                                               u"a liability."_s),
+            B::makeControl(u"Under billings"_s, u"E − B when positive, otherwise 0: work done but not yet "
+                                                u"billed, an asset. Never netted against other jobs."_s),
+            B::makeControl(u"Backlog"_s, u"C − E: contract revenue still to be earned."_s),
+            B::makeTip(u"The % complete of a total row is its cost to date ÷ its estimated cost. The CSV has "
+                       u"one row per job, without totals, and plain numbers a spreadsheet reads."_s),
         });
     return x;
 }

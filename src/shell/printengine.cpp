@@ -32,10 +32,13 @@ void previewDialog(PagedDocument &pages, QPrinter &printer, QWidget *parent)
     dialog.exec();
 }
 
-// Landscape exactly when a plan sheet's first page looks landscape; other
-// sources, and a sheet whose file will not open, keep the page setup's choice.
+// Landscape exactly when a plan sheet's first page looks landscape, or a
+// document asks for it; other sources, and a sheet whose file will not open,
+// keep the page setup's choice.
 std::optional<bool> orientationFor(const PrintSource &source, const PagedDocument &pages)
 {
+    if (source.landscape)
+        return true;
     if (source.kind != PrintSource::Kind::Pdf || !PdfPages(source.pdfPath).isValid())
         return std::nullopt;
     return pages.prefersLandscape();
