@@ -10,36 +10,36 @@
 #include <QtGui/QFontMetricsF>
 #include <QtGui/QImage>
 
+#include <optional>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// Thirteen columns of figures across a landscape page: a small size keeps
-// every amount on one line, a grand total in the hundreds of millions too,
-// with room left for the job's name.
-const QString kBold = u" style='font-size:5.5pt;font-weight:bold'"_s;
-// No cell wraps by itself: an amount never breaks at its commas, and a
-// name only where it is broken here. Were the name free to wrap, Qt would
-// widen its column past the page in proportion to the whole name's length.
-const QString kFigure = u" style='font-size:5.5pt;white-space:nowrap'"_s;
+// Thirteen columns of figures across a landscape page. The schedule takes
+// the largest of these sizes at which every amount stays on one line and the
+// job's name keeps a readable column; a grand total in the hundreds of
+// millions still fits at the smallest.
+constexpr double kSizes[] = {8, 7.5, 7, 6.5, 6, 5.5};
 // Each cell's padding on both sides and its rule, in points.
 constexpr double kCellExtra = 2;
-// Kept free at the table's end against rounding in the layout, and the least
-// the job's column gets however wide the figures are.
-constexpr double kSafety = 2, kJobLeast = 60;
+// Kept free at the table's end against rounding in the layout; the room the
+// job's column should have to take a size, and the least it gets at the last.
+constexpr double kSafety = 2, kJobWanted = 110, kJobLeast = 60;
 
-// The document's type at the table's size, measured in points as the paged
-// engine sets it, so that the job's column gets what the figures leave.
+// The document's type at one size, measured in points as the paged engine
+// sets it, so that the job's column gets what the figures leave.
 class Measure
 {
 public:
-    Measure()
-        : m_device(1, 1, QImage::Format_RGB32)
+    explicit Measure(double size)
+        : m_size(size)
+        , m_device(1, 1, QImage::Format_RGB32)
     {
         m_device.setDotsPerMeterX(2835); // 72 dots an inch: a dot is a point
         m_device.setDotsPerMeterY(2835);
         m_plain.setFamily(u"Helvetica Neue"_s);
-        m_plain.setPointSizeF(5.5);
+        m_plain.setPointSizeF(size);
         m_bold = m_plain;
         m_bold.setBold(true);
     }
@@ -47,8 +47,21 @@ public:
     {
         return QFontMetricsF(bold ? m_bold : m_plain, &m_device).horizontalAdvance(text);
     }
+    // A cell's style at this size. No cell wraps by itself: an amount never
+    // breaks at its commas, and a name only where it is broken here. Were the
+    // name free to wrap, Qt would widen its column past the page in
+    // proportion to the whole name's length.
+    QString figureStyle() const
+    {
+        return u" style='font-size:"_s + QString::number(m_size) + u"pt;white-space:nowrap'"_s;
+    }
+    QString boldStyle() const
+    {
+        return u" style='font-size:"_s + QString::number(m_size) + u"pt;font-weight:bold'"_s;
+    }
 
 private:
+    double m_size;
     QImage m_device;
     QFont m_plain;
     QFont m_bold;
@@ -79,12 +92,12 @@ QString jobLines(const QString &text, double room, bool bold, const Measure &m)
     return lines.join(u"<br>"_s);
 }
 
-QString cell(const QString &text, bool right, bool bold, const QString &attributes = {})
+QString cell(const QString &text, bool right, bool bold, const Measure &m, const QString &attributes = {})
 {
     // The weight goes on a span of its own: a bare <b> falls back to the body size.
-    const QString body = bold ? u"<span"_s + kBold + u'>' + text + u"</span>"_s : text;
-    return u"<td"_s + attributes + u" align="_s + (right ? u"right"_s : u"left"_s) + kFigure + u'>' + body +
-           u"</td>"_s;
+    const QString body = bold ? u"<span"_s + m.boldStyle() + u'>' + text + u"</span>"_s : text;
+    return u"<td"_s + attributes + u" align="_s + (right ? u"right"_s : u"left"_s) + m.figureStyle() + u'>' +
+           body + u"</td>"_s;
 }
 
 QString open(const QString &background = {})
@@ -101,17 +114,36 @@ QString row(const QString &job, const WipLine &l, bool total, double room, const
             const QString &background = {})
 {
     const QStringList cells = PrintReports::wipScheduleCells(l);
-    QString out = open(background) + cell(jobLines(job, room, total, m), false, total);
+    QString out = open(background) + cell(jobLines(job, room, total, m), false, total, m);
     for (int k = 2; k < cells.size(); ++k)
-        out += cell(PDFOut::esc(cells.at(k)), true, false);
+        out += cell(PDFOut::esc(cells.at(k)), true, false, m);
     return out + u"</tr>"_s;
 }
 
 // A line across the whole table: a section's title, or its "None".
-QString across(const QString &text, int columns, bool bold, const QString &background = {})
+QString across(const QString &text, int columns, bool bold, const Measure &m, const QString &background = {})
 {
     return open(background) +
-           cell(PDFOut::esc(text), false, bold, u" colspan="_s + QString::number(columns)) + u"</tr>"_s;
+           cell(PDFOut::esc(text), false, bold, m, u" colspan="_s + QString::number(columns)) + u"</tr>"_s;
+}
+
+// The room the job's column has at the size of `m` once every figure and
+// head word has its whole width.
+double jobRoom(const QStringList &heads, const QList<QStringList> &cells, const Measure &m)
+{
+    const qsizetype columns = heads.size();
+    QList<double> widest(columns, 0);
+    for (qsizetype k = 1; k < columns; ++k)
+        for (const QString &word : heads.at(k).split(u' '))
+            widest[k] = std::max(widest[k], m.width(word, true));
+    for (const QStringList &line : cells)
+        for (qsizetype k = 1; k < columns; ++k)
+            widest[k] = std::max(widest[k], m.width(line.at(k + 1), false));
+    double room = PagedDocument::letter(QPageLayout::Landscape).fullRect(QPageLayout::Point).width() -
+                  2 * PagedDocument::kSide - kCellExtra - kSafety;
+    for (qsizetype k = 1; k < columns; ++k)
+        room -= widest.at(k) + kCellExtra;
+    return room;
 }
 
 } // namespace
@@ -168,44 +200,40 @@ QString wipScheduleHTML(const DB &db, const WipSchedule &s)
            u". Amounts in dollars.<br><span style='font-size:6.5pt'>"_s +
            PDFOut::esc(WipSchedule::methodNote()) + u"</span></p>"_s;
 
-    out += u"<table width='100%' border=1 cellspacing=0 cellpadding=0.5 style='border-collapse:collapse'>"_s
-           u"<tr style='background:#e8e8ee'>"_s;
-    heads[0] = u"Job"_s;
-    for (int k = 0; k < columns; ++k) {
-        out += u"<th align="_s + (k > 0 ? u"right"_s : u"left"_s) + kBold + u'>' + PDFOut::esc(heads.at(k)) +
-               u"</th>"_s;
-    }
-    out += u"</tr>"_s;
     // The figures keep their whole width (the widest amount, or the longest
     // word of the head); the job's column has the rest of the line.
-    const Measure m;
-    QList<double> widest(columns, 0);
-    for (int k = 1; k < columns; ++k)
-        for (const QString &word : heads.at(k).split(u' '))
-            widest[k] = std::max(widest[k], m.width(word, true));
-    QList<const WipLine *> all{&s.total};
+    QList<QStringList> cells{wipScheduleCells(s.total)};
     for (const WipSection *section : {&s.inProgress, &s.completed}) {
-        all.append(&section->total);
+        cells.append(wipScheduleCells(section->total));
         for (const WipLine &l : section->lines)
-            all.append(&l);
+            cells.append(wipScheduleCells(l));
     }
-    for (const WipLine *l : all) {
-        const QStringList cells = wipScheduleCells(*l);
-        for (int k = 1; k < columns; ++k)
-            widest[k] = std::max(widest[k], m.width(cells.at(k + 1), false));
+    heads[0] = u"Job"_s;
+    std::optional<Measure> chosen;
+    double room = 0;
+    for (const double size : kSizes) {
+        chosen.emplace(size);
+        room = jobRoom(heads, cells, *chosen);
+        if (room >= kJobWanted)
+            break;
     }
-    double room = PagedDocument::letter(QPageLayout::Landscape).fullRect(QPageLayout::Point).width() -
-                  2 * PagedDocument::kSide - kCellExtra - kSafety;
-    for (int k = 1; k < columns; ++k)
-        room -= widest.at(k) + kCellExtra;
+    const Measure &m = *chosen;
     room = std::max(room, kJobLeast);
 
+    out += u"<table width='100%' border=1 cellspacing=0 cellpadding=0.5 style='border-collapse:collapse'>"_s
+           u"<tr style='background:#e8e8ee'>"_s;
+    for (int k = 0; k < columns; ++k) {
+        out += u"<th align="_s + (k > 0 ? u"right"_s : u"left"_s) + m.boldStyle() + u'>' +
+               PDFOut::esc(heads.at(k)) + u"</th>"_s;
+    }
+    out += u"</tr>"_s;
+
     for (const WipSection *section : {&s.inProgress, &s.completed}) {
-        out += across(section->title, columns, true);
+        out += across(section->title, columns, true, m);
         for (const WipLine &l : section->lines)
             out += row(QString(l.number + u"  "_s + l.name).trimmed(), l, false, room, m);
         if (section->lines.isEmpty())
-            out += across(u"None"_s, columns, false);
+            out += across(u"None"_s, columns, false, m);
         out += row(u"Total "_s + section->title.toLower(), section->total, true, room, m, u"#f2f2f5"_s);
     }
     out += row(u"Total all contracts"_s, s.total, true, room, m, u"#dcdce4"_s);
