@@ -7,6 +7,7 @@
 #include "documents/wipschedulehtml.h"
 #include "look/buttons.h"
 #include "look/fwui.h"
+#include "shell/notice.h"
 #include "shell/printbutton.h"
 
 #include <QtCharts/QBarCategoryAxis>
@@ -30,8 +31,11 @@ namespace {
 const QString kChartTitle = u"Over / under billing by job"_s;
 constexpr int kOverColumn = 12, kUnderColumn = 13;
 constexpr qreal kTextPt = 10.5;
+// Room on each side of a cell's text: thirteen columns of figures must fit a
+// laptop's window without scrolling sideways.
+constexpr qreal kCellPad = 4;
 // The project's column takes what the figures leave, between these widths.
-constexpr qreal kNameMin = 130, kNameMax = 280;
+constexpr qreal kNameMin = 100, kNameMax = 280;
 
 double dollars(qint64 cents)
 {
@@ -104,7 +108,7 @@ void WipScheduleTable::measure()
             m_widths[c] = std::max(m_widths[c], fm.horizontalAdvance(r.cells.at(c)));
         }
     }
-    const int pad = ui.px(8);
+    const int pad = ui.px(kCellPad);
     for (int &w : m_widths)
         w += 2 * pad;
     m_widths[1] = nameWidth(width());
@@ -157,8 +161,10 @@ QColor WipScheduleTable::colourOf(int row, int column) const
     const Row &r = m_rows.at(row);
     if (r.kind == Kind::Head)
         return t.dim;
+    // Over billing is the program's warning orange, which no finish's accent
+    // is mistaken for beside it.
     if (column == kOverColumn && r.over > 0)
-        return t.accent2;
+        return Notice::orange();
     if (column == kUnderColumn && r.under > 0)
         return t.accent;
     return t.text;
@@ -171,7 +177,7 @@ void WipScheduleTable::paintEvent(QPaintEvent *)
     const FWUI &ui = FWUI::shared();
     const FWTheme &t = ui.theme();
     QPainter p(this);
-    const int half = ui.px(8);
+    const int half = ui.px(kCellPad);
     QColor rule = t.dim;
     rule.setAlphaF(0.25);
     int y = 0;
@@ -271,8 +277,8 @@ void WipBillingChart::rebuild()
     const FWTheme &t = ui.theme();
     auto *over = new QBarSet(u"Over billings"_s);
     auto *under = new QBarSet(u"Under billings"_s);
-    over->setColor(t.accent2);
-    over->setBorderColor(t.accent2.darker(130));
+    over->setColor(Notice::orange());
+    over->setBorderColor(Notice::orange().darker(130));
     under->setColor(t.accent);
     under->setBorderColor(t.accent.darker(130));
     QStringList names;

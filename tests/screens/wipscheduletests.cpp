@@ -10,6 +10,7 @@
 #include "screens/reportsscreen.h"
 #include "screens/wipscheduleview.h"
 #include "shell/nav.h"
+#include "shell/notice.h"
 #include "shell/printcenter.h"
 #include "shell/printengine.h"
 #include "store/db.h"
@@ -127,7 +128,7 @@ private Q_SLOTS:
         QVERIFY(over > 0 && under > 0);
         const FWTheme &t = FWUI::shared().theme();
         QCOMPARE(rows.at(over).cells.value(12), u"200.00"_s);
-        QCOMPARE(table->colourOf(over, 12), t.accent2);
+        QCOMPARE(table->colourOf(over, 12), Notice::orange());
         QCOMPARE(table->colourOf(over, 13), t.text); // nothing under billed
         QCOMPARE(rows.at(under).cells.value(13), u"400.00"_s);
         QCOMPARE(table->colourOf(under, 13), t.accent);
