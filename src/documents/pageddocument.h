@@ -74,9 +74,6 @@ public:
     const QTextDocument *document() const { return m_doc.get(); }
     // Where each page starts in the laid-out text, in points from its top.
     const QList<double> &pageStarts() const { return m_starts; }
-    // The head rows repeated above page `index`'s text (top and bottom in the
-    // laid-out text), or an empty span when the page repeats none.
-    QPair<double, double> repeatedHead(int index) const { return m_heads.value(index); }
 
     // Draws page `index` (from 0) with the painter's origin at the page's top
     // left corner in device units; scales itself from the device's resolution.
