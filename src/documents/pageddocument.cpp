@@ -53,9 +53,17 @@ struct PagedDocument::Unit
     double top = 0, bottom = 0;
     bool row = false;
     QList<QPair<double, double>> lines; // row only
+    double headTop = -1;                // a table's first row after its head: where the head starts
 };
 
 namespace {
+// A table's head rows and how far the table runs below them.
+struct TableHead
+{
+    double top = 0, bottom = 0, tableBottom = 0;
+    double height() const { return bottom - top; }
+};
+
 // Where a line starts in the document, when it is not its block's first line.
 using SplitPoints = QList<QPair<double, int>>; // line top, document position
 
@@ -202,6 +210,7 @@ void PagedDocument::layout(const QSizeF &pageSize)
         return; // laid out for this paper already
     m_pageSize = pageSize;
     m_starts = {0};
+    m_heads = {{}};
     if (!m_doc)
         return;
     // The blocks split at the last layout's page breaks are joined again, so
@@ -270,15 +279,27 @@ const LongTable *PagedDocument::longTable(const QTextTable *table) const
 void PagedDocument::breakPages()
 {
     m_starts = {0};
+    m_heads = {{}};
     QAbstractTextDocumentLayout *layout = m_doc->documentLayout();
     (void)m_doc->size(); // finishes the layout
     QList<Unit> units;
+    QList<TableHead> heads;
+    // Notes a table's first `headRows` rows as its head, and marks the row after them.
+    const auto noteHead = [&heads](QList<Unit> &rows, int headRows) {
+        if (headRows <= 0 || headRows >= rows.size())
+            return;
+        heads.append({rows.first().top, rows.at(headRows - 1).bottom, rows.last().bottom});
+        rows[headRows].headTop = rows.first().top;
+    };
     for (auto it = m_doc->rootFrame()->begin(); !it.atEnd(); ++it) {
         QTextFrame *frame = it.currentFrame();
         auto *table = qobject_cast<QTextTable *>(frame);
         if (const LongTable *own = longTable(table)) {
+            QList<Unit> rows;
             for (const LongTable::RowSpan &row : own->rowSpans())
-                units.append({row.top, row.bottom, true, row.lines});
+                rows.append({row.top, row.bottom, true, row.lines});
+            noteHead(rows, table->format().headerRowCount());
+            units += rows;
             continue;
         }
         if (!table) {
@@ -296,6 +317,7 @@ void PagedDocument::breakPages()
         const QTextTableFormat tf = table->format();
         const double border = tf.border() > 0 ? tf.border() : 0;
         QList<Unit> rows;
+        int headRows = 0; // of those with text
         for (int r = 0; r < table->rows(); ++r) {
             Unit row{1e300, -1e300, true, {}};
             double pad = tf.cellPadding();
@@ -320,21 +342,39 @@ void PagedDocument::breakPages()
             if (!rows.isEmpty())
                 rows.last().bottom = std::max(rows.last().bottom, row.top);
             rows.append(row);
+            if (r < tf.headerRowCount())
+                headRows = int(rows.size());
         }
+        noteHead(rows, headRows);
         units += rows;
     }
 
     const double height = m_pageSize.height() - kTop - kBottom;
     if (height <= 1)
         return;
+    // The head repeated on a page starting at `top`: that of the table it
+    // starts in below the head, unless the head would take a third of the page.
+    const auto headAt = [&](double top) -> const TableHead * {
+        for (const TableHead &head : heads)
+            if (top > head.bottom - 0.01 && top < head.tableBottom - 0.01 && head.height() < height / 3)
+                return &head;
+        return nullptr;
+    };
+    const auto room = [&](double top) {
+        const TableHead *head = headAt(top);
+        return head ? height - head->height() : height;
+    };
     double pageTop = 0;
     for (const Unit &u : units) {
-        while (u.bottom - pageTop > height + 0.01 && m_starts.size() < kMaxPages) {
+        while (u.bottom - pageTop > room(pageTop) + 0.01 && m_starts.size() < kMaxPages) {
             // A row taller than a page moves to a page of its own first, and is cut only there.
             const bool movable = u.top > pageTop + 0.01 && (!u.row || u.top - pageTop > kKeepRowWithin);
-            double next = pageTop + height;
+            double next = pageTop + room(pageTop);
             if (movable) {
                 next = u.top;
+                // A head never ends a page: it goes over with the table's first row.
+                if (u.headTop >= 0 && u.headTop - pageTop > kKeepRowWithin)
+                    next = u.headTop;
             } else if (u.row) {
                 // Cut the row above the first of its lines that would cross the page's foot.
                 double cut = next;
@@ -345,6 +385,8 @@ void PagedDocument::breakPages()
             }
             pageTop = next;
             m_starts.append(pageTop);
+            const TableHead *head = headAt(pageTop);
+            m_heads.append(head ? QPair(head->top, head->bottom) : QPair<double, double>());
         }
         if (m_starts.size() >= kMaxPages)
             break;
@@ -369,16 +411,28 @@ void PagedDocument::paint(QPainter &painter, int index) const
 
 void PagedDocument::paintText(QPainter &painter, int index) const
 {
-    const double height = m_pageSize.height() - kTop - kBottom;
+    const auto [headTop, headBottom] = m_heads.value(index);
+    const double head = headBottom - headTop;
     const double start = m_starts.value(index);
-    const double end = index + 1 < m_starts.size() ? m_starts.at(index + 1) : start + height;
+    const double end = index + 1 < m_starts.size() ? m_starts.at(index + 1)
+                                                   : start + m_pageSize.height() - kTop - kBottom - head;
+    paintSlice(painter, start, end, kTop + head, true);
+    // The head goes on last and shows no rule below it: the page's first row brings its own.
+    if (head > 0)
+        paintSlice(painter, headTop, headBottom, kTop, false);
+}
+
+// Draws the laid-out text from `start` to `end` with `start` at `y` on the page.
+void PagedDocument::paintSlice(QPainter &painter, double start, double end, double y, bool ruleBelow) const
+{
     painter.save();
-    painter.translate(kSide, kTop - start);
+    painter.translate(kSide, y - start);
     // The painter clip keeps the page's own slice, a point wider so the rule
     // between two rows shows on both pages; the layout clip, a hair inside the
     // slice, keeps the lines touching its edges out of this page's text.
     const QRectF slice(-kSide, start, m_pageSize.width(), end - start);
-    painter.setClipRect(slice.adjusted(0, -1, 0, 1));
+    const QRectF wider = slice.adjusted(0, -1, 0, ruleBelow ? 1 : 0);
+    painter.setClipRect(wider);
     // Qt draws the page's slice less the long tables, which are drawn here;
     // each of its pieces is clipped to itself, since Qt would also draw the
     // rows it still holds of those tables.
@@ -403,10 +457,10 @@ void PagedDocument::paintText(QPainter &painter, int index) const
             continue; // an empty clip would draw everything
         ctx.palette.setColor(QPalette::Text, Qt::black);
         painter.setClipRect(QRectF(-kSide, first ? top - 1 : top, m_pageSize.width(),
-                                   bottom - top + (first ? 1 : 0) + (last ? 1 : 0)));
+                                   bottom - top + (first ? 1 : 0) + (last && ruleBelow ? 1 : 0)));
         layout->draw(&painter, ctx);
     }
-    painter.setClipRect(slice.adjusted(0, -1, 0, 1));
+    painter.setClipRect(wider);
     painter.setPen(Qt::black);
     for (const auto &table : m_long)
         table->paint(painter, start, end);

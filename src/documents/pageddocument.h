@@ -2,6 +2,7 @@
 #include "printsource.h"
 
 #include <QtCore/QList>
+#include <QtCore/QPair>
 #include <QtCore/QSizeF>
 #include <QtGui/QPageLayout>
 
@@ -21,9 +22,12 @@ class QTextTable;
 // the text out once at the page's text width (in points) and cuts it into
 // pages itself: text breaks between lines, and a table row that does not fit
 // moves whole to the next page unless it starts within 24 pt of the page top;
-// a row taller than a page moves too, and is cut on the page it starts. Long plain tables are
-// set and painted by LongTable rather than Qt, which is slow on them. A plan
-// sheet gives one page per page of its PDF file.
+// a row taller than a page moves too, and is cut on the page it starts. A
+// table's head rows (its QTextTableFormat::headerRowCount, from an HTML
+// <thead>) go over with its first row and are drawn again at the top of each
+// page it continues on. Long plain tables are set and painted by LongTable
+// rather than Qt, which is slow on them. A plan sheet gives one page per page
+// of its PDF file.
 class PagedDocument
 {
 public:
@@ -82,6 +86,7 @@ private:
     void breakPages();
     const LongTable *longTable(const QTextTable *table) const;
     void paintText(QPainter &painter, int index) const;
+    void paintSlice(QPainter &painter, double start, double end, double y, bool ruleBelow) const;
     void paintSheet(QPainter &painter, int index) const;
     void paintFrame(QPainter &painter, int index) const;
 
@@ -93,5 +98,6 @@ private:
     std::unique_ptr<PdfPages> m_pdf;
     std::vector<std::unique_ptr<LongTable>> m_long; // long tables set and painted here, not by Qt
     QList<double> m_starts;                         // one per page, ascending
+    QList<QPair<double, double>> m_heads;           // one per page: the head rows drawn above its text
     bool m_split = false; // blocks were split at this layout's page breaks (one undo joins them)
 };

@@ -221,12 +221,13 @@ QString wipScheduleHTML(const DB &db, const WipSchedule &s)
     room = std::max(room, kJobLeast);
 
     out += u"<table width='100%' border=1 cellspacing=0 cellpadding=0.5 style='border-collapse:collapse'>"_s
-           u"<tr style='background:#e8e8ee'>"_s;
+           u"<thead><tr style='background:#e8e8ee'>"_s;
     for (int k = 0; k < columns; ++k) {
         out += u"<th align="_s + (k > 0 ? u"right"_s : u"left"_s) + m.boldStyle() + u'>' +
                PDFOut::esc(heads.at(k)) + u"</th>"_s;
     }
-    out += u"</tr>"_s;
+    // A head row: the paged engine repeats it on every page the table runs on to.
+    out += u"</tr></thead>"_s;
 
     for (const WipSection *section : {&s.inProgress, &s.completed}) {
         out += across(section->title, columns, true, m);

@@ -7,6 +7,7 @@
 
 #include <QtCore/QRegularExpression>
 #include <QtGui/QAbstractTextDocumentLayout>
+#include <QtGui/QImage>
 #include <QtGui/QTextBlock>
 #include <QtGui/QTextCursor>
 #include <QtGui/QTextDocument>
@@ -25,11 +26,14 @@ QString words(const QString &prefix, int n)
 }
 
 // A table whose rows hold 1 to 4 lines; every word of row n is tagged with n.
-QString variedTable(int rows)
+// Its head row ("Row", "Lines") is marked as one when `head` is set.
+QString variedTable(int rows, bool head = false)
 {
     QString html = u"<table width='100%' border=1 cellspacing=0 cellpadding=4 "
-                   u"style='border-collapse:collapse'><tr style='background:#e8e8ee'><th align=left>Row</th>"
-                   u"<th align=left>Lines</th></tr>"_s;
+                   u"style='border-collapse:collapse'>"_s +
+                   (head ? u"<thead>"_s : QString()) +
+                   u"<tr style='background:#e8e8ee'><th align=left>Row</th><th align=left>Lines</th></tr>"_s +
+                   (head ? u"</thead>"_s : QString());
     for (int r = 1; r <= rows; ++r) {
         QStringList lines;
         for (int k = 0; k <= r % 4; ++k)
@@ -78,6 +82,70 @@ private Q_SLOTS:
             QVERIFY2(page >= 0, qPrintable(tag + u" is split or missing"_s));
             QVERIFY(page >= last);
             last = page;
+        }
+    }
+
+    void headRowsRepeat_data()
+    {
+        QTest::addColumn<int>("rows");
+        QTest::addColumn<bool>("head");
+        QTest::addColumn<int>("linesBefore");
+        QTest::newRow("table set by Qt") << 30 << true << 0;
+        QTest::newRow("long table set by the engine") << 200 << true << 0;
+        QTest::newRow("text above the table") << 30 << true << 25;
+        QTest::newRow("head row not marked: page 1 only") << 30 << false << 0;
+        // Lines above that bring the head near the foot of page 1 (one of them to its very foot).
+        for (int n = 26; n <= 31; ++n)
+            QTest::addRow("head near the page foot, %d lines above", n) << 30 << true << n;
+    }
+
+    void headRowsRepeat()
+    {
+        QFETCH(int, rows);
+        QFETCH(bool, head);
+        QFETCH(int, linesBefore);
+        QString html;
+        for (int i = 1; i <= linesBefore; ++i)
+            html += u"<p>a%1</p>"_s.arg(i, 4, 10, QChar(u'0'));
+        html += variedTable(rows, head);
+        PagedDocument pages(db, PrintSource::fromHtml(html), u"Log"_s);
+        const QString name = u"heads.pdf"_s;
+        const auto text = PdfCheck::written(pages, dir, name);
+        QVERIFY(text.size() >= 2);
+        QCOMPARE(text.size(), pages.pageCount());
+        static const QRegularExpression rowWord(u"^r\\d{3}$"_s);
+        int headed = 0, seen = 0;
+        for (int p = 0; p < text.size(); ++p) {
+            const QStringList &w = text.at(p);
+            const auto firstRow = std::find_if(w.cbegin(), w.cend(),
+                                               [](const QString &x) { return rowWord.match(x).hasMatch(); });
+            // A head never ends a page: the table's first row stands on the page with it.
+            if (w.contains(u"Lines"_s))
+                QVERIFY2(firstRow != w.cend(), qPrintable(u"page %1 ends with the head"_s.arg(p + 1)));
+            if (firstRow == w.cend())
+                continue;
+            const qsizetype at = firstRow - w.cbegin();
+            if (w.count(u"Lines"_s) == 1 && w.indexOf(u"Row"_s) < at && w.indexOf(u"Lines"_s) < at)
+                ++headed;
+            else
+                QVERIFY2(w.count(u"Lines"_s) == 0, qPrintable(u"page %1: head misplaced"_s.arg(p + 1)));
+            ++seen;
+        }
+        QVERIFY(seen >= 2);
+        QCOMPARE(headed, head ? seen : 1);
+        for (int r = 1; r <= rows; ++r) {
+            const QString tag = u"r%1"_s.arg(r, 3, 10, QChar(u'0'));
+            QVERIFY2(pageOf(text, tag, 1 + (r % 4) + 1) >= 0, qPrintable(tag + u" is split or missing"_s));
+        }
+        // The rows below a repeated head still end above the footer's band.
+        const PdfPages pdf(dir.filePath(name));
+        for (int p = 0; p < pdf.pageCount(); ++p) {
+            const QImage page = pdf.render(p, 72).convertToFormat(QImage::Format_RGB32);
+            for (int y = page.height() - int(PagedDocument::kBottom) + 2;
+                 y < page.height() - int(PagedDocument::kRuleAbove) - 2; ++y)
+                for (int x = 0; x < page.width(); ++x)
+                    QVERIFY2(QColor(page.pixel(x, y)).lightness() > 250,
+                             qPrintable(u"ink at %1,%2 of page %3"_s.arg(x).arg(y).arg(p + 1)));
         }
     }
 

@@ -121,6 +121,29 @@ private Q_SLOTS:
                 QVERIFY2(words.at(on).contains(Money::fmt(figure, false)),
                          qPrintable(l.number + u": "_s + Money::fmt(figure, false)));
         }
+        // Every page that holds jobs is headed: each word of every column's
+        // head stands once above the page's first job.
+        QStringList headWords;
+        for (const QString &head : PrintReports::wipScheduleHeads().mid(1))
+            headWords += head.split(u' ');
+        headWords[0] = u"Job"_s;
+        int headed = 0;
+        for (int i = 0; i < words.size(); ++i) {
+            QStringList w; // "profit" comes back from the PDF with its "fi" ligature
+            for (const QString &word : words.at(i))
+                w << word.normalized(QString::NormalizationForm_KC);
+            const auto firstJob =
+                std::find_if(w.cbegin(), w.cend(), [](const QString &x) { return x.startsWith(u"J-"_s); });
+            if (firstJob == w.cend())
+                continue;
+            ++headed;
+            for (const QString &head : headWords) {
+                QVERIFY2(w.indexOf(head) >= 0 && w.indexOf(head) < firstJob - w.cbegin(),
+                         qPrintable(u"page %1: %2"_s.arg(i + 1).arg(head)));
+            }
+            QCOMPARE(w.count(u"Backlog"_s), 1);
+        }
+        QVERIFY2(jobs < 50 || headed >= 2, "the jobs run on to a second page");
         // The grand total's earned revenue is printed.
         QVERIFY(all.contains(Money::fmt(s.total.earned, false)));
     }
