@@ -94,7 +94,7 @@ private Q_SLOTS:
             {"equipment rate", true},
             {"project contract", false},
             {"project removed", false},
-            {"company switch", true},
+            {"company switch", false},
             {"batch of edits", false},
         };
         for (const auto &[edit, reaches] : rows)
@@ -144,6 +144,13 @@ private Q_SLOTS:
             });
             return out;
         };
+        // The other company exists before the figures are first kept; the switch itself saves nothing.
+        QString secondCompany;
+        if (edit == u"company switch") {
+            const QString first = s.db.companyID();
+            secondCompany = s.db.createCompany(u"Second"_s, u"Bo"_s, u"CA"_s).id;
+            s.db.setCompanyID(first);
+        }
         FiguresCache cache;
         QHash<QString, ProjectFigures> before;
         for (const Rec &p : allProjects())
@@ -189,7 +196,7 @@ private Q_SLOTS:
         } else if (edit == u"project removed") {
             s.db.remove(s.project.id);
         } else if (edit == u"company switch") {
-            s.db.createCompany(u"Second"_s, u"Bo"_s, u"CA"_s);
+            s.db.setCompanyID(secondCompany);
         } else if (edit == u"batch of edits") {
             Rec a = s.reload(mine.expense), b = s.reload(mine.card);
             a.f.insert(u"amount"_s, u"1"_s);
