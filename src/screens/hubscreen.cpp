@@ -413,7 +413,7 @@ void HubScreen::refresh()
     figures.reserve(projects.size());
     qint64 revised = 0, pending = 0, billed = 0, retainage = 0, cost = 0;
     for (const Rec &p : projects) {
-        const ProjectFigures f = ProjectFigures::of(m_db, p);
+        const ProjectFigures f = m_figures.of(m_db, p);
         revised = Money::add(revised, f.contract.revised);
         pending = Money::add(pending, f.contract.pending);
         billed = Money::add(billed, f.billed);

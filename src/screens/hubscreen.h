@@ -134,4 +134,5 @@ private:
     FieldPulse *m_pulse;
     Printable *m_printable;
     QStringList m_cardKey;
+    FiguresCache m_figures;
 };

@@ -223,8 +223,9 @@ void ReportsScreen::margins()
 void ReportsScreen::refresh()
 {
     const QList<Rec> projects = m_db.list(u"project"_s);
-    // Every project's figures cost a job-cost walk each; they are worked out
-    // again only when the records or the company changed, not for a look change.
+    // Every project's figures cost a job-cost walk each; the views are redone
+    // only when the records or the company changed, not for a look change, and
+    // only the projects that a change can reach are worked out again.
     const std::pair<quint64, QString> seen{m_db.revision(), m_db.companyID()};
     if (seen != m_figuresOf) {
         m_figuresOf = seen;
@@ -232,7 +233,7 @@ void ReportsScreen::refresh()
         QList<QStringList> rows;
         QList<std::pair<Rec, ProjectFigures>> figures;
         for (const Rec &p : projects) {
-            const ProjectFigures f = ProjectFigures::of(m_db, p);
+            const ProjectFigures f = m_figures.of(m_db, p);
             groups.append({p.f.value(u"name"_s), f.contract.revised, f.billed, f.cost});
             rows.append(PrintReports::line(p, f));
             figures.append({p, f});

@@ -2,6 +2,7 @@
 #include "shell/modulearea.h"
 
 #include "look/chrome.h"
+#include "workflows/figures.h"
 
 #include <functional>
 
@@ -95,4 +96,5 @@ private:
     QString m_reportProject;
     QStringList m_projectKey;
     std::pair<quint64, QString> m_figuresOf{~quint64(0), {}};
+    FiguresCache m_figures;
 };

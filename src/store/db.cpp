@@ -259,7 +259,8 @@ bool DB::load()
     m_index.clear();
     for (const auto &[id, stored] : m_recs)
         m_index.add(&stored);
-    ++m_revision;
+    m_projectStamps.clear();
+    m_sharedStamp = ++m_revision;
     Q_EMIT changed();
     return true;
 }
@@ -416,6 +417,24 @@ void DB::readSortKey(StoredRec &stored)
     }
 }
 
+void DB::stamp(const Rec &rec)
+{
+    // Stamped with the revision the pending change is about to get.
+    const quint64 next = m_revision + 1;
+    if (rec.kind == u"project")
+        m_projectStamps.insert(rec.id, next);
+    else if (rec.project.isEmpty())
+        m_sharedStamp = next;
+    // A record also counts for the projects of the records it hangs from, as
+    // it is read through them; the depth cap stops a loop of parents.
+    const Rec *r = &rec;
+    for (int depth = 0; r && depth < 32; ++depth) {
+        if (!r->project.isEmpty())
+            m_projectStamps.insert(r->project, next);
+        r = find(r->parent);
+    }
+}
+
 void DB::put(const Rec &rec)
 {
     auto it = m_recs.find(rec.id);
@@ -548,7 +567,10 @@ void DB::save(const Rec &rec)
 {
     Rec copy = rec;
     copy.updated = nowSeconds();
+    if (const Rec *old = find(copy.id))
+        stamp(*old);
     put(copy);
+    stamp(copy);
     // Earlier changes that wait go first, so the disk never holds a newer state before an older one.
     if ((!m_unsavedOrder.isEmpty() && !retryUnsaved()) || !write(copy))
         markUnsaved({copy.id});
@@ -594,7 +616,10 @@ void DB::saveAndRemove(const QList<Rec> &recs, const QStringList &removals)
     for (const Rec &rec : recs) {
         Rec copy = rec;
         copy.updated = nowSeconds();
+        if (const Rec *old = find(copy.id))
+            stamp(*old);
         put(copy);
+        stamp(copy);
         ids.append(copy.id);
         copies.append(std::move(copy));
     }
@@ -633,8 +658,10 @@ void DB::saveAndRemove(const QList<Rec> &recs, const QStringList &removals)
         addAll(m_index.byParent(queue.at(k)->rec.id));
 
     QStringList gone;
-    for (const StoredRec *s : std::as_const(doomed))
+    for (const StoredRec *s : std::as_const(doomed)) {
         gone.append(s->rec.id);
+        stamp(s->rec);
+    }
     const bool ok = (m_unsavedOrder.isEmpty() || retryUnsaved()) && writeBatch([&] {
                         for (const Rec &copy : std::as_const(copies))
                             if (!doomed.contains(&m_recs.at(copy.id)) && !write(copy))

@@ -3,8 +3,11 @@
 #include "rec.h"
 #include "recjson.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QObject>
 #include <QtCore/QSet>
+
+#include <algorithm>
 
 #include <functional>
 #include <optional>
@@ -156,6 +159,13 @@ public:
     // Counts the changes of the records: an unchanged count means unchanged
     // records, so a screen may keep figures it worked out from them.
     quint64 revision() const { return m_revision; }
+    // Counts the changes that can touch what is worked out from the records of
+    // the project `projectId`: its own record, its records and those hanging
+    // from them, and every record that belongs to no project.
+    quint64 projectRevision(const QString &projectId) const
+    {
+        return std::max(m_sharedStamp, m_projectStamps.value(projectId));
+    }
 
 Q_SIGNALS:
     void changed();
@@ -168,6 +178,11 @@ Q_SIGNALS:
 
 private:
     quint64 m_revision = 0;
+    // The revision at which each project, and anything outside every project,
+    // last changed: a record outside every project may be read by any project.
+    QHash<QString, quint64> m_projectStamps;
+    quint64 m_sharedStamp = 0;
+    void stamp(const Rec &rec);
     bool openFile(const QString &path);
     bool refuse(OpenState state, const QString &problem);
     bool load();

@@ -39,3 +39,21 @@ ProjectFigures ProjectFigures::of(const DB &db, const Rec &project)
     out.budget = cost.total.budget;
     return out;
 }
+
+ProjectFigures FiguresCache::of(const DB &db, const Rec &project)
+{
+    // The lists behind the figures are the current company's.
+    if (db.companyID() != m_company) {
+        m_entries.clear();
+        m_company = db.companyID();
+    }
+    const quint64 revision = db.projectRevision(project.id);
+    auto it = m_entries.find(project.id);
+    if (it == m_entries.end())
+        it = m_entries.insert(project.id, {});
+    else if (it->revision == revision)
+        return it->figures;
+    it->revision = revision;
+    it->figures = ProjectFigures::of(db, project);
+    return it->figures;
+}

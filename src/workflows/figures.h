@@ -1,6 +1,8 @@
 #pragma once
 #include "calc/totals.h"
 
+#include <QtCore/QHash>
+
 class DB;
 struct Rec;
 
@@ -16,4 +18,23 @@ struct ProjectFigures
 
     // The figures of `project`.
     static ProjectFigures of(const DB &db, const Rec &project);
+    bool operator==(const ProjectFigures &) const = default;
+};
+
+// Project figures kept between refreshes: a project's are worked out again
+// only when something they read has changed since, or the company changed.
+class FiguresCache
+{
+public:
+    // The figures of `project`, the same as ProjectFigures::of would give.
+    ProjectFigures of(const DB &db, const Rec &project);
+
+private:
+    struct Entry
+    {
+        quint64 revision = 0;
+        ProjectFigures figures;
+    };
+    QHash<QString, Entry> m_entries;
+    QString m_company;
 };

@@ -72,6 +72,151 @@ private Q_SLOTS:
         QCOMPARE(f.budget, 400000);
     }
 
+    // After each kind of edit, the kept figures of every project are the ones
+    // worked out afresh; an edit that stays inside one project leaves the
+    // other's figures standing.
+    void cacheFollowsEdits_data()
+    {
+        QTest::addColumn<QString>("edit");
+        QTest::addColumn<bool>("reachesOther");
+        const QList<std::pair<const char *, bool>> rows = {
+            {"expense amount", false},
+            {"expense moved to the other project", true},
+            {"expense removed", false},
+            {"timecard hours", false},
+            {"pay app line", false},
+            {"change order approved", false},
+            {"change order line amount", false},
+            {"invoice void", false},
+            {"invoice line moved to the other project's invoice", true},
+            {"payment received", false},
+            {"budget line", false},
+            {"equipment rate", true},
+            {"project contract", false},
+            {"project removed", false},
+            {"company switch", false},
+            {"batch of edits", false},
+        };
+        for (const auto &[edit, reaches] : rows)
+            QTest::newRow(edit) << QString::fromLatin1(edit) << reaches;
+    }
+
+    void cacheFollowsEdits()
+    {
+        QFETCH(QString, edit);
+        QFETCH(bool, reachesOther);
+        Shop s;
+        const Rec other =
+            s.db.add(u"project"_s, {}, {}, {{u"name"_s, u"Annex"_s}, {u"contract"_s, u"500000"_s}});
+        const Rec machine =
+            s.db.add(u"equipment"_s, {}, {}, {{u"name"_s, u"Loader"_s}, {u"rate"_s, u"9000"_s}});
+        struct Made
+        {
+            Rec expense, card, payApp, sov, co, coLine, invoice, invLine, budget;
+        };
+        auto fill = [&](const Rec &p) {
+            Made m;
+            auto add = [&](const QString &kind, const QString &parent, const QStringList &fields) {
+                return s.db.add(kind, p.id, parent, fieldsOf(fields));
+            };
+            m.expense = add(u"expense"_s, {}, {u"amount=12345"_s, u"costCode=01"_s});
+            m.card = add(u"timecard"_s, {}, {u"in=07:00"_s, u"out=15:30"_s, u"break=30"_s, u"rate=4500"_s});
+            add(u"equip_log"_s, {}, {u"equipment="_s + machine.id, u"hours=3"_s});
+            m.sov = add(u"sov_line"_s, {}, {u"scheduled=400000"_s, u"sort=1"_s});
+            m.payApp = add(u"pay_app"_s, {}, {u"number=1"_s, u"retWork=10"_s, u"retMat=10"_s});
+            setPayLine(s.db, m.payApp, m.sov.id, 100000, std::nullopt);
+            m.co = add(u"co"_s, {}, {u"kind=owner"_s, u"status=pending"_s, u"markup=10"_s});
+            m.coLine = add(u"co_line"_s, m.co.id, {u"amount=20000"_s, u"costCode=01"_s});
+            m.invoice = add(u"invoice"_s, {}, {u"status=Sent"_s});
+            m.invLine = add(u"inv_line"_s, m.invoice.id, {u"qty=2"_s, u"unitPrice=15000"_s});
+            add(u"payment"_s, {}, {u"direction=Received"_s, u"amount=30000"_s});
+            m.budget = add(u"budget_line"_s, {}, {u"costCode=01"_s, u"original=250000"_s});
+            return m;
+        };
+        const Made mine = fill(s.project);
+        const Made theirs = fill(other);
+
+        auto allProjects = [&] {
+            QList<Rec> out;
+            s.db.forEach([&](const Rec &r) {
+                if (r.kind == u"project")
+                    out.append(r);
+            });
+            return out;
+        };
+        // The other company exists before the figures are first kept; the switch itself saves nothing.
+        QString secondCompany;
+        if (edit == u"company switch") {
+            const QString first = s.db.companyID();
+            secondCompany = s.db.createCompany(u"Second"_s, u"Bo"_s, u"CA"_s).id;
+            s.db.setCompanyID(first);
+        }
+        FiguresCache cache;
+        QHash<QString, ProjectFigures> before;
+        for (const Rec &p : allProjects())
+            before.insert(p.id, cache.of(s.db, p));
+        const quint64 otherBefore = s.db.projectRevision(other.id);
+
+        auto change = [&](const Rec &r, const QString &key, const QString &value) {
+            Rec copy = s.reload(r);
+            copy.f.insert(key, value);
+            s.db.save(copy);
+        };
+        if (edit == u"expense amount") {
+            change(mine.expense, u"amount"_s, u"22345"_s);
+        } else if (edit == u"expense moved to the other project") {
+            Rec moved = s.reload(mine.expense);
+            moved.project = other.id;
+            s.db.save(moved);
+        } else if (edit == u"expense removed") {
+            s.db.remove(mine.expense.id);
+        } else if (edit == u"timecard hours") {
+            change(mine.card, u"out"_s, u"17:30"_s);
+        } else if (edit == u"pay app line") {
+            setPayLine(s.db, mine.payApp, mine.sov.id, 150000, std::nullopt);
+        } else if (edit == u"change order approved") {
+            change(mine.co, u"status"_s, u"approved"_s);
+        } else if (edit == u"change order line amount") {
+            change(mine.coLine, u"amount"_s, u"90000"_s);
+        } else if (edit == u"invoice void") {
+            change(mine.invoice, u"status"_s, u"Void"_s);
+        } else if (edit == u"invoice line moved to the other project's invoice") {
+            // The line keeps its project; only its parent moves.
+            Rec moved = s.reload(mine.invLine);
+            moved.parent = theirs.invoice.id;
+            s.db.save(moved);
+        } else if (edit == u"payment received") {
+            s.db.add(u"payment"_s, s.project.id, {}, fieldsOf({u"direction=Received"_s, u"amount=5000"_s}));
+        } else if (edit == u"budget line") {
+            change(mine.budget, u"original"_s, u"260000"_s);
+        } else if (edit == u"equipment rate") {
+            change(machine, u"rate"_s, u"12000"_s);
+        } else if (edit == u"project contract") {
+            change(s.project, u"contract"_s, u"1200000"_s);
+        } else if (edit == u"project removed") {
+            s.db.remove(s.project.id);
+        } else if (edit == u"company switch") {
+            s.db.setCompanyID(secondCompany);
+        } else if (edit == u"batch of edits") {
+            Rec a = s.reload(mine.expense), b = s.reload(mine.card);
+            a.f.insert(u"amount"_s, u"1"_s);
+            b.f.insert(u"rate"_s, u"1"_s);
+            s.db.saveAndRemove({a, b}, {mine.invoice.id});
+        } else {
+            QFAIL("unknown edit");
+        }
+
+        bool anyMoved = false;
+        for (const Rec &p : allProjects()) {
+            const ProjectFigures fresh = ProjectFigures::of(s.db, p);
+            anyMoved = anyMoved || !(fresh == before.value(p.id));
+            QVERIFY2(cache.of(s.db, p) == fresh, qPrintable(p.f.value(u"name"_s)));
+        }
+        // Every edit here moves some figure, so a stale one would have shown.
+        QVERIFY(anyMoved || edit == u"project removed");
+        QCOMPARE(s.db.projectRevision(other.id) != otherBefore, reachesOther);
+    }
+
     void alert_data()
     {
         QTest::addColumn<QString>("kind");
