@@ -27,19 +27,19 @@ double dollars(qint64 cents)
 
 } // namespace
 
-ProjectChart::ProjectChart(QWidget *parent)
+ChartPanel::ChartPanel(const QString &title, QWidget *parent)
     : FWPanel(parent)
     , m_chart(new QChart)
     , m_view(new QChartView(m_chart, this))
 {
-    m_chart->setTitle(kTitle);
+    m_chart->setTitle(title);
     m_chart->setAnimationOptions(QChart::NoAnimation);
     m_chart->legend()->setAlignment(Qt::AlignTop);
     m_chart->setBackgroundRoundness(0);
     m_view->setRenderHint(QPainter::Antialiasing);
     m_view->setFrameShape(QFrame::NoFrame);
     m_view->setStyleSheet(u"background: transparent"_s);
-    m_view->setAccessibleName(kTitle);
+    m_view->setAccessibleName(title);
     auto *box = new QVBoxLayout(this);
     box->addWidget(m_view);
     restyle();
@@ -48,6 +48,26 @@ ProjectChart::ProjectChart(QWidget *parent)
         rebuild();
     });
 }
+
+void ChartPanel::restyle()
+{
+    const FWUI &ui = FWUI::shared();
+    const FWTheme &t = ui.theme();
+    m_chart->setBackgroundBrush(Qt::NoBrush);
+    m_chart->setBackgroundPen(Qt::NoPen);
+    m_chart->setPlotAreaBackgroundVisible(false);
+    m_chart->setTitleFont(ui.font(13, QFont::Bold));
+    m_chart->setTitleBrush(t.text);
+    m_chart->legend()->setFont(ui.font(11));
+    m_chart->legend()->setLabelColor(t.text);
+    m_chart->setMargins(QMargins(ui.px(4), ui.px(4), ui.px(4), ui.px(4)));
+    layout()->setContentsMargins(ui.px(8), ui.px(8), ui.px(8), ui.px(8));
+    setMinimumHeight(ui.px(300));
+}
+
+ProjectChart::ProjectChart(QWidget *parent)
+    : ChartPanel(kTitle, parent)
+{}
 
 std::pair<double, double> ProjectChart::niceScale(double max, int ticks)
 {
@@ -160,22 +180,6 @@ void ProjectChart::rebuild()
         axis->setLinePenColor(grid);
     }
     projects->setGridLineVisible(false);
-}
-
-void ProjectChart::restyle()
-{
-    const FWUI &ui = FWUI::shared();
-    const FWTheme &t = ui.theme();
-    m_chart->setBackgroundBrush(Qt::NoBrush);
-    m_chart->setBackgroundPen(Qt::NoPen);
-    m_chart->setPlotAreaBackgroundVisible(false);
-    m_chart->setTitleFont(ui.font(13, QFont::Bold));
-    m_chart->setTitleBrush(t.text);
-    m_chart->legend()->setFont(ui.font(11));
-    m_chart->legend()->setLabelColor(t.text);
-    m_chart->setMargins(QMargins(ui.px(4), ui.px(4), ui.px(4), ui.px(4)));
-    layout()->setContentsMargins(ui.px(8), ui.px(8), ui.px(8), ui.px(8));
-    setMinimumHeight(ui.px(300));
 }
 
 QStringList ProjectChart::texts() const

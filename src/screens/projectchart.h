@@ -15,10 +15,29 @@ struct ChartGroup
     bool operator==(const ChartGroup &) const = default;
 };
 
+// A panel holding one chart in the finish's colours and the zoom's sizes; the
+// chart is restyled and rebuilt whenever the look changes.
+class ChartPanel : public FWPanel
+{
+    Q_OBJECT
+public:
+    QChart *chart() const { return m_chart; }
+
+protected:
+    ChartPanel(const QString &title, QWidget *parent);
+    // Puts the series and axes back from what the panel shows.
+    virtual void rebuild() = 0;
+    QChart *m_chart;
+
+private:
+    void restyle();
+    QChartView *m_view;
+};
+
 // The grouped bar chart "Contract · billed · cost by project": per project
 // three bars side by side, amounts in dollars, the amount axis labelled in
 // the short money form.
-class ProjectChart : public FWPanel
+class ProjectChart : public ChartPanel
 {
     Q_OBJECT
 public:
@@ -28,7 +47,6 @@ public:
     const QList<ChartGroup> &groups() const { return m_groups; }
     // Every text the chart draws: title, series names and axis labels.
     QStringList texts() const;
-    QChart *chart() const { return m_chart; }
     // The cost bars' colour: one that the contract bars (the finish's accent) never match.
     static QColor costColour(const QColor &accent);
 
@@ -37,10 +55,7 @@ public:
     static std::pair<double, double> niceScale(double max, int ticks = 5);
 
 private:
-    void rebuild();
-    void restyle();
+    void rebuild() override;
     QList<ChartGroup> m_groups;
-    QChart *m_chart;
-    QChartView *m_view;
     bool m_built = false;
 };

@@ -235,26 +235,8 @@ void WipScheduleTable::paintEvent(QPaintEvent *)
 // --- WipBillingChart ---
 
 WipBillingChart::WipBillingChart(QWidget *parent)
-    : FWPanel(parent)
-    , m_chart(new QChart)
-    , m_view(new QChartView(m_chart, this))
-{
-    m_chart->setTitle(kChartTitle);
-    m_chart->setAnimationOptions(QChart::NoAnimation);
-    m_chart->legend()->setAlignment(Qt::AlignTop);
-    m_chart->setBackgroundRoundness(0);
-    m_view->setRenderHint(QPainter::Antialiasing);
-    m_view->setFrameShape(QFrame::NoFrame);
-    m_view->setStyleSheet(u"background: transparent"_s);
-    m_view->setAccessibleName(kChartTitle);
-    auto *box = new QVBoxLayout(this);
-    box->addWidget(m_view);
-    restyle();
-    connect(&FWUI::shared(), &FWUI::changed, this, [this] {
-        restyle();
-        rebuild();
-    });
-}
+    : ChartPanel(kChartTitle, parent)
+{}
 
 void WipBillingChart::setSchedule(const WipSchedule &s)
 {
@@ -333,22 +315,6 @@ void WipBillingChart::rebuild()
     }
     if (names.size() > 24)
         jobs->setLabelsAngle(-90);
-}
-
-void WipBillingChart::restyle()
-{
-    const FWUI &ui = FWUI::shared();
-    const FWTheme &t = ui.theme();
-    m_chart->setBackgroundBrush(Qt::NoBrush);
-    m_chart->setBackgroundPen(Qt::NoPen);
-    m_chart->setPlotAreaBackgroundVisible(false);
-    m_chart->setTitleFont(ui.font(13, QFont::Bold));
-    m_chart->setTitleBrush(t.text);
-    m_chart->legend()->setFont(ui.font(11));
-    m_chart->legend()->setLabelColor(t.text);
-    m_chart->setMargins(QMargins(ui.px(4), ui.px(4), ui.px(4), ui.px(4)));
-    layout()->setContentsMargins(ui.px(8), ui.px(8), ui.px(8), ui.px(8));
-    setMinimumHeight(ui.px(300));
 }
 
 QStringList WipBillingChart::categories() const

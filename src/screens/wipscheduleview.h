@@ -2,6 +2,7 @@
 // The Reports screen's WIP schedule: over/under billing job by job, the
 // chart a surety reader looks at first, the table, and its PDF, CSV and print.
 #include "look/chrome.h"
+#include "projectchart.h"
 #include "workflows/wipschedule.h"
 
 #include "documents/printsource.h"
@@ -56,25 +57,21 @@ private:
 
 // The bar chart "Over / under billing by job": over billings rise above the
 // line in the warning colour, under billings fall below it in the accent.
-class WipBillingChart : public FWPanel
+class WipBillingChart : public ChartPanel
 {
     Q_OBJECT
 public:
     explicit WipBillingChart(QWidget *parent = nullptr);
     // Shows the jobs of `schedule`; rebuilt only when the lines differ from the last.
     void setSchedule(const WipSchedule &schedule);
-    QChart *chart() const { return m_chart; }
     // The job labels along the bottom and the amounts of the two sets, in dollars.
     QStringList categories() const;
     QList<double> overBars() const;
     QList<double> underBars() const;
 
 private:
-    void rebuild();
-    void restyle();
+    void rebuild() override;
     QList<WipLine> m_lines;
-    QChart *m_chart;
-    QChartView *m_view;
     bool m_built = false;
 };
 
