@@ -65,6 +65,15 @@ void ChartPanel::restyle()
     setMinimumHeight(ui.px(300));
 }
 
+void ChartPanel::clear()
+{
+    m_chart->removeAllSeries();
+    for (QAbstractAxis *axis : m_chart->axes()) {
+        m_chart->removeAxis(axis);
+        delete axis;
+    }
+}
+
 ProjectChart::ProjectChart(QWidget *parent)
     : ChartPanel(kTitle, parent)
 {}
@@ -115,11 +124,7 @@ void ProjectChart::setGroups(const QList<ChartGroup> &groups)
 void ProjectChart::rebuild()
 {
     m_built = true;
-    m_chart->removeAllSeries();
-    for (QAbstractAxis *axis : m_chart->axes()) {
-        m_chart->removeAxis(axis);
-        delete axis;
-    }
+    clear();
 
     const FWUI &ui = FWUI::shared();
     const FWTheme &t = ui.theme();

@@ -27,6 +27,8 @@ protected:
     ChartPanel(const QString &title, QWidget *parent);
     // Puts the series and axes back from what the panel shows.
     virtual void rebuild() = 0;
+    // Takes every series and axis off the chart, for a rebuild.
+    void clear();
     QChart *m_chart;
 
 private:

@@ -250,11 +250,7 @@ void WipBillingChart::setSchedule(const WipSchedule &s)
 void WipBillingChart::rebuild()
 {
     m_built = true;
-    m_chart->removeAllSeries();
-    for (QAbstractAxis *axis : m_chart->axes()) {
-        m_chart->removeAxis(axis);
-        delete axis;
-    }
+    clear();
     const FWUI &ui = FWUI::shared();
     const FWTheme &t = ui.theme();
     auto *over = new QBarSet(u"Over billings"_s);
