@@ -4,7 +4,10 @@
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 #include <QtCore/QLockFile>
+#include <QtCore/QSysInfo>
 
+#include <cerrno>
+#include <csignal>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -52,14 +55,18 @@ QString socketName(const QString &dataFolder)
 
 bool windowHolds(const QString &dataFolder, QString *holder)
 {
-    QLockFile lock(lockPath(dataFolder));
-    prepare(lock);
-    if (lock.tryLock(0)) {
-        lock.unlock();
+    // Only read, never taken: taking the lock even for a moment would make a
+    // window starting at that moment believe another one is open.
+    const QLockFile lock(lockPath(dataFolder));
+    qint64 pid = 0;
+    QString host;
+    QString app;
+    if (!lock.getLockInfo(&pid, &host, &app) || pid <= 0)
         return false;
-    }
-    if (lock.error() != QLockFile::LockFailedError)
-        return false; // no lock can be written there, so nobody holds one
+    // A process on another machine cannot be asked; its lock stands.
+    const bool here = host.isEmpty() || host == QSysInfo::machineHostName();
+    if (here && ::kill(pid_t(pid), 0) != 0 && errno == ESRCH)
+        return false;
     if (holder)
         *holder = describe(lock);
     return true;
