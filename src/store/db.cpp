@@ -1,5 +1,7 @@
 #include "db.h"
 
+#include "server/seatcache.h"
+#include "server/serverlink.h"
 #include "settings.h"
 
 #include <QtCore/QDir>
@@ -151,8 +153,12 @@ DB &DB::shared()
     // Never destroyed: freeing years of records would only slow down every
     // quit. The connection is closed at exit so the WAL is folded back in.
     static DB *instance = [] {
-        auto *db = new DB(QDir(appFolder()).filePath(u"trestle.sqlite"_s));
+        // A folder that works on a company server opens the server's cache instead of its own records.
+        const bool server = ServerLink::isConnected();
+        auto *db = new DB(server ? ServerLink::cachePath() : QDir(appFolder()).filePath(u"trestle.sqlite"_s));
         sharedStore = db;
+        if (server)
+            ServerLink::attach(*db);
         std::atexit([] { sharedStore->closeConnection(); });
         if (openedHook())
             openedHook()(*db);
@@ -271,6 +277,8 @@ bool DB::write(const Rec &rec)
         m_lastCode = SQLITE_CANTOPEN;
         return false;
     }
+    if (m_seat && !m_seat->noteChange(rec.id, false))
+        return false;
     const QByteArray json = RecJSON::encode(rec);
     if (!m_insert &&
         sqlite3_prepare_v3(m_db,
@@ -308,6 +316,8 @@ bool DB::removeRow(const QString &id)
         m_delete = nullptr;
         return false;
     }
+    if (m_seat && !m_seat->noteChange(id, true))
+        return false;
     const QByteArray rid = id.toUtf8();
     sqlite3_bind_text(m_delete, 1, rid.constData(), int(rid.size()), SQLITE_TRANSIENT);
     const int rc = sqlite3_step(m_delete);

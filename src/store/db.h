@@ -16,6 +16,7 @@
 struct sqlite3;
 struct sqlite3_stmt;
 class QTimer;
+class SeatCache;
 
 // The optional conditions of DB::list. An absent member means no filter; an
 // empty text is a real value that matches records holding the empty text.
@@ -177,6 +178,10 @@ Q_SIGNALS:
     void unsavedChanged();
 
 private:
+    // The mirror of a company server keeps its outbox in this file and
+    // applies the server's changes through the store's memory.
+    friend class SeatCache;
+    SeatCache *m_seat = nullptr;
     quint64 m_revision = 0;
     // The revision at which each project, and anything outside every project,
     // last changed: a record outside every project may be read by any project.
