@@ -19,15 +19,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The module that shows records of `kind`.
-const ModuleDef *moduleOf(const QString &kind)
-{
-    for (const ModuleDef &def : Modules::all())
-        if (def.kind == kind)
-            return &def;
-    return nullptr;
-}
-
 std::optional<Rec> projectByNumber(const DB &db, const QString &number)
 {
     for (const Rec &p : db.list(u"project"_s))
@@ -67,7 +58,7 @@ int pdf(const QStringList &args, QTextStream &out, QTextStream &err)
     }
     const DB &db = DB::shared();
     const std::optional<Rec> rec = db.get(args.at(0));
-    const ModuleDef *def = rec ? moduleOf(rec->kind) : nullptr;
+    const ModuleDef *def = rec ? Modules::ofKind(rec->kind) : nullptr;
     if (!rec || !def) {
         err << "trestle: no printable record " << args.at(0) << '\n';
         return 1;

@@ -58,6 +58,26 @@ const ModuleDef *get(QStringView id)
     return nullptr;
 }
 
+const ModuleDef *ofKind(QStringView kind)
+{
+    if (kind.isEmpty())
+        return nullptr;
+    for (const ModuleDef &m : all())
+        if (m.kind == kind)
+            return &m;
+    return nullptr;
+}
+
+const QList<FD> *fieldsOf(QStringView kind)
+{
+    if (const ModuleDef *m = ofKind(kind))
+        return m->fields.isEmpty() ? nullptr : &m->fields;
+    for (const ModuleDef &m : all())
+        if (m.lineKind && *m.lineKind == kind)
+            return &m.lineFields;
+    return nullptr;
+}
+
 QStringList groups()
 {
     QStringList out;

@@ -3,7 +3,7 @@
 #include "numberfield.h"
 
 #include "calc/datefmt.h"
-#include "catalog/modules.h"
+#include "calc/fieldinput.h"
 #include "look/buttons.h"
 #include "look/fwui.h"
 #include "look/icons.h"
@@ -308,48 +308,6 @@ void ThemedDate::refresh()
 
 // --- FieldEditor ---
 
-ThemedChoice::Options FieldEditor::optionsFor(const DB &db, const FD &fd, const QString &project)
-{
-    ThemedChoice::Options out;
-    switch (fd.type.kind) {
-    case FT::choice:
-        for (const QString &v : fd.type.options) {
-            // A waiver's kind reads by its long name; other kinds as they stand.
-            QString label = fd.key == u"kind" ? v : capitalizedIfLower(v);
-            if (fd.key == u"kind")
-                for (const auto &[key, name] : Modules::waiverKinds())
-                    if (key == v)
-                        label = name;
-            out.append({v, label});
-        }
-        break;
-    case FT::ref:
-        out.append({QString(), u"—"_s});
-        db.visit(fd.type.target, {}, [&](const Rec &r) { out.append({r.id, db.label(r.id)}); });
-        break;
-    case FT::refIn: {
-        out.append({QString(), u"—"_s});
-        RecFilter filter;
-        if (!project.isEmpty())
-            filter.project = project;
-        db.visit(fd.type.target, filter, [&](const Rec &r) { out.append({r.id, refInLabel(db, r)}); });
-        break;
-    }
-    default: break;
-    }
-    return out;
-}
-
-QString FieldEditor::refInLabel(const DB &db, const Rec &target)
-{
-    const QString number = target.f.value(u"number");
-    if (number.isEmpty())
-        return db.label(target.id);
-    const QString item = target.f.value(u"item");
-    return u"#"_s + number + u' ' +
-           (item.isEmpty() ? target.f.value(u"title") : item + u' ' + target.f.value(u"description"));
-}
-
 FieldEditor::FieldEditor(DB &db, const FD &fd, const TextBinding &value, const QString &project, bool compact,
                          QWidget *parent)
     : QWidget(parent)
@@ -364,7 +322,7 @@ FieldEditor::FieldEditor(DB &db, const FD &fd, const TextBinding &value, const Q
     case FT::choice:
     case FT::ref:
     case FT::refIn: {
-        auto *c = new ThemedChoice(value, optionsFor(db, fd, project), this);
+        auto *c = new ThemedChoice(value, FieldInput::options(db, fd, project), this);
         m_control = c;
         m_refreshable = c;
         break;
@@ -429,7 +387,7 @@ void FieldEditor::refresh()
     }
     const FT::Case k = m_fd.type.kind;
     if (k == FT::ref || k == FT::refIn) {
-        static_cast<ThemedChoice *>(m_control)->setOptions(optionsFor(m_db, m_fd, m_project));
+        static_cast<ThemedChoice *>(m_control)->setOptions(FieldInput::options(m_db, m_fd, m_project));
         return;
     }
     if (m_refreshable)

@@ -126,10 +126,6 @@ public:
     void refresh() override;
     // The input control made for the field.
     QWidget *control() const { return m_control; }
-    // The options of a choice or reference field as the editor offers them.
-    static ThemedChoice::Options optionsFor(const DB &db, const FD &fd, const QString &project);
-    // How a refIn target names itself: "#n item description", "#n title", or its label.
-    static QString refInLabel(const DB &db, const Rec &target);
     void setProject(const QString &project);
 
 private:

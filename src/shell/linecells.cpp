@@ -2,7 +2,7 @@
 
 #include "fieldeditors.h"
 
-#include "calc/fmt.h"
+#include "calc/fieldinput.h"
 #include "calc/money.h"
 #include "calc/totals.h"
 #include "look/fwui.h"
@@ -95,34 +95,24 @@ private:
         if (!m_index.isValid())
             return;
         const QString stored = m_model->stored(m_index);
+        const FieldInput::Typed read = m_money ? FieldInput::money(text) : FieldInput::number(text);
+        // A number half typed keeps the last one read, without a message.
         if (!m_money) {
-            QString clean = text;
-            clean.remove(u',').remove(u'%');
-            clean = clean.trimmed();
-            if (clean.isEmpty()) {
-                m_model->write(m_index, QString());
-                return;
-            }
-            if (const std::optional<double> n = RecText::parseDouble(clean)) {
-                const QString next = Fmt::num(*n);
-                if (next != stored)
-                    m_model->write(m_index, next);
-            }
+            if (read.ok() && read.stored != stored)
+                m_model->write(m_index, read.stored);
             return;
         }
-        const MoneyParse parsed = Money::parseChecked(text);
-        if (parsed.ok()) {
+        if (read.ok()) {
             setError({});
-            const QString next = text.trimmed().isEmpty() ? QString() : QString::number(parsed.cents);
-            if (next != stored)
-                m_model->write(m_index, next);
+            if (read.stored != stored)
+                m_model->write(m_index, read.stored);
             return;
         }
         if (stored != m_original)
             m_model->write(m_index, m_original);
         const QString kept =
             m_original.isEmpty() ? u"blank"_s : Money::fmt(RecText::parseInt(m_original).value_or(0), true);
-        setError(Money::message(*parsed.error) + u" Kept "_s + kept + u'.');
+        setError(read.error + u" Kept "_s + kept + u'.');
     }
 
     void setError(const QString &error)
@@ -203,7 +193,7 @@ void LinesModel::refresh(const QString &project)
     for (int c = 0; c < m_fields.size(); ++c) {
         if (!isChoice(m_fields.at(c)))
             continue;
-        auto options = choiceOptions(m_db, m_fields.at(c), m_project);
+        auto options = FieldInput::options(m_db, m_fields.at(c), m_project);
         if (!m_loaded || options != m_options.value(c)) {
             QHash<QString, QString> labels;
             for (const auto &[value, label] : options)
@@ -584,10 +574,4 @@ qint64 lineAmountOf(const Rec &line, const QList<FD> &fields)
     const double qty = holds(u"qtyPer") ? line.d(u"qtyPer") : line.d(u"qty");
     const qint64 unit = holds(u"unitPrice") ? line.i(u"unitPrice") : line.i(u"unitCost");
     return Calc::lineAmount({qty, unit});
-}
-
-QList<std::pair<QString, QString>> choiceOptions(const DB &db, const FD &fd, const QString &project)
-{
-    // A grid cell offers exactly what the record editor's choice offers.
-    return FieldEditor::optionsFor(db, fd, project);
 }

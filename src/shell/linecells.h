@@ -12,9 +12,6 @@
 
 class DB;
 
-// The options of a choice, ref or refIn field as (value, label), in order.
-QList<std::pair<QString, QString>> choiceOptions(const DB &db, const FD &fd, const QString &project);
-
 // The amount of a line: its quantity (per unit) times its unit price or cost, in cents.
 qint64 lineAmountOf(const Rec &line, const QList<FD> &fields);
 

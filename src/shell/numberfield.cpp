@@ -1,6 +1,6 @@
 #include "numberfield.h"
 
-#include "calc/fmt.h"
+#include "calc/fieldinput.h"
 #include "calc/money.h"
 #include "look/fwui.h"
 #include "look/icons.h"
@@ -63,34 +63,24 @@ QString NumberField::display() const
 void NumberField::edited(const QString &text)
 {
     const QString stored = m_value.get();
+    const FieldInput::Typed read = m_money ? FieldInput::money(text) : FieldInput::number(text);
+    // A number half typed ("1e", "-") keeps the last one read, without a message.
     if (!m_money) {
-        QString clean = text;
-        clean.remove(u',').remove(u'%');
-        clean = clean.trimmed();
-        if (clean.isEmpty()) {
-            m_value.set(QString());
-            return;
-        }
-        if (const std::optional<double> n = RecText::parseDouble(clean)) {
-            const QString next = Fmt::num(*n);
-            if (next != stored)
-                m_value.set(next);
-        }
+        if (read.ok() && read.stored != stored)
+            m_value.set(read.stored);
         return;
     }
-    const MoneyParse parsed = Money::parseChecked(text);
-    if (parsed.ok()) {
+    if (read.ok()) {
         setError(std::nullopt);
-        const QString next = text.trimmed().isEmpty() ? QString() : QString::number(parsed.cents);
-        if (next != stored)
-            m_value.set(next);
+        if (read.stored != stored)
+            m_value.set(read.stored);
         return;
     }
     if (stored != m_original)
         m_value.set(m_original);
     const QString kept =
         m_original.isEmpty() ? u"blank"_s : Money::fmt(RecText::parseInt(m_original).value_or(0), true);
-    setError(Money::message(*parsed.error) + u" Kept "_s + kept + u'.');
+    setError(read.error + u" Kept "_s + kept + u'.');
 }
 
 bool NumberField::eventFilter(QObject *watched, QEvent *event)

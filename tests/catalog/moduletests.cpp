@@ -125,6 +125,39 @@ private Q_SLOTS:
         QVERIFY(!m->field(moneyKey));
     }
 
+    // What `trestle set` may change in a record: its module's fields or its owner's line fields.
+    void fieldsOfKind_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("module"); // whose fields; empty when none
+        QTest::addColumn<bool>("lines");
+        QTest::newRow("record kind") << u"co"_s << u"cos"_s << false;
+        QTest::newRow("line kind") << u"co_line"_s << u"cos"_s << true;
+        QTest::newRow("bids are lines") << u"bid"_s << u"bids"_s << true;
+        QTest::newRow("own screen, no fields") << u"budget_line"_s << QString() << false;
+        QTest::newRow("made by a workflow") << u"sov_line"_s << QString() << false;
+        QTest::newRow("company") << u"company"_s << QString() << false;
+        QTest::newRow("empty kind") << QString() << QString() << false;
+    }
+    void fieldsOfKind()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, module);
+        QFETCH(bool, lines);
+        const QList<FD> *fields = Modules::fieldsOf(kind);
+        if (module.isEmpty()) {
+            QVERIFY(!fields);
+            return;
+        }
+        const ModuleDef *m = Modules::get(module);
+        QVERIFY(m);
+        QCOMPARE(fields, lines ? &m->lineFields : &m->fields);
+        QCOMPARE(Modules::ofKind(kind), lines ? nullptr : m);
+        // A line kind that were also a module's kind would have two sets of fields.
+        for (const ModuleDef &other : Modules::all())
+            QVERIFY2(!other.lineKind || !Modules::ofKind(*other.lineKind), qPrintable(*other.lineKind));
+    }
+
     void referenceTargets()
     {
         const QSet<QString> refKinds = {u"contact"_s, u"cost_code"_s, u"user"_s, u"equipment"_s};

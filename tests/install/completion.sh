@@ -39,8 +39,8 @@ while IFS='|' read -r line expected; do
         fail=1
     fi
 done <<'CASES'
-trestle |backup docx export-csv export-qb info log pdf proposal recover report restore sample snapshot snapshots
-trestle s|sample snapshot snapshots
+trestle |backup docx export-csv export-qb get info log pdf proposal recover report restore sample set snapshot snapshots
+trestle s|sample set snapshot snapshots
 trestle exp|export-csv export-qb
 trestle --|--help --screenshot --version
 trestle report |budget hub jobcost project schedule wip wip-schedule
@@ -62,6 +62,9 @@ trestle log estimates --|--project --search
 trestle log estimates |out.d wip.pdf
 trestle log estimates --search roof |out.d wip.pdf
 trestle pdf |
+trestle get |
+trestle set abc |
+trestle set abc amount=5 |
 trestle pdf abc |out.d wip.pdf
 trestle info |
 trestle snapshots |

@@ -129,6 +129,7 @@ private Q_SLOTS:
         QTest::newRow("blanks around") << u" 2.50 "_s << u"2.5"_s;
         QTest::newRow("empty") << QString() << QString();
         QTest::newRow("unreadable keeps the value") << u"abc"_s << u"7"_s;
+        QTest::newRow("infinity keeps the value") << u"inf"_s << u"7"_s;
     }
     void numberCleaning()
     {
@@ -160,57 +161,6 @@ private Q_SLOTS:
         Q_EMIT choice->activated(2);
         QCOMPARE(db.get(rec.id)->f.value(u"status"), u"Received"_s);
         QCOMPARE(choice->shownLabel(), u"Received"_s);
-    }
-
-    void choiceLabels_data()
-    {
-        QTest::addColumn<QString>("module");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("label");
-        QTest::newRow("waiver kind by long name") << u"waivers"_s << u"kind"_s << u"unconditional_final"_s
-                                                  << u"Unconditional Waiver and Release on Final Payment"_s;
-        QTest::newRow("lower-case word raised") << u"waivers"_s << u"status"_s << u"signed"_s << u"Signed"_s;
-        QTest::newRow("capitalised word as is") << u"pos"_s << u"status"_s << u"Issued"_s << u"Issued"_s;
-    }
-    void choiceLabels()
-    {
-        QFETCH(QString, module);
-        QFETCH(QString, key);
-        QFETCH(QString, value);
-        QFETCH(QString, label);
-        DB db;
-        const ThemedChoice::Options options =
-            FieldEditor::optionsFor(db, *Modules::get(module)->field(key), {});
-        auto it =
-            std::find_if(options.cbegin(), options.cend(), [&](const auto &o) { return o.first == value; });
-        QVERIFY(it != options.cend());
-        QCOMPARE(it->second, label);
-    }
-
-    void refInLabels_data()
-    {
-        QTest::addColumn<QString>("number");
-        QTest::addColumn<QString>("item");
-        QTest::addColumn<QString>("label");
-        QTest::newRow("item and description") << u"3"_s << u"02-100"_s << u"#3 02-100 Site clearing"_s;
-        QTest::newRow("title when no item") << u"3"_s << QString() << u"#3 Sitework"_s;
-        QTest::newRow("store label when no number") << QString() << u"02-100"_s << u"Sitework"_s;
-    }
-    void refInLabels()
-    {
-        QFETCH(QString, number);
-        QFETCH(QString, item);
-        QFETCH(QString, label);
-        DB db;
-        db.createCompany(u"Acme"_s, u"Olive"_s, u"CO"_s);
-        Fields f{{u"title"_s, u"Sitework"_s}, {u"description"_s, u"Site clearing"_s}};
-        if (!number.isEmpty())
-            f.insert(u"number"_s, number);
-        if (!item.isEmpty())
-            f.insert(u"item"_s, item);
-        const Rec target = db.add(u"estimate"_s, {}, {}, f);
-        QCOMPARE(FieldEditor::refInLabel(db, target), label);
     }
 
     void dateSetAndClear()
