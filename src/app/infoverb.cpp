@@ -1,5 +1,8 @@
 // `trestle info`: the data folder, then each company with its records per kind.
 #include "store/db.h"
+#include "store/server/pg.h"
+#include "store/server/serverlink.h"
+#include "store/server/serversync.h"
 #include "verbs.h"
 
 #include <map>
@@ -16,6 +19,16 @@ int info(const QStringList &args, QTextStream &out, QTextStream &err)
     }
     DB &db = DB::shared();
     out << "Data folder: " << DB::appFolder() << '\n';
+    if (ServerSync *sync = ServerLink::sync()) {
+        out << "Company server: " << Pg::describe(sync->conninfo()) << '\n';
+        out << "Login: " << sync->login() << '\n';
+        out << "State: "
+            << (sync->state() == ServerSync::State::Online ? u"online"_s : u"offline: "_s + sync->problem())
+            << '\n';
+        out << "Waiting to be sent: " << sync->waiting() << '\n';
+        const QDateTime seen = sync->lastSeen();
+        out << "Last change seen: " << (seen.isValid() ? seen.toString(Qt::ISODate) : u"none yet"_s) << '\n';
+    }
     std::map<QString, std::map<QString, qsizetype>> counts; // company id → kind → records
     db.forEach([&](const Rec &r) { ++counts[r.company][r.kind]; });
     const QList<Rec> companies = db.list(u"company"_s);

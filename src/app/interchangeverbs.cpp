@@ -8,6 +8,7 @@
 #include "interchange/sample.h"
 #include "interchange/snapshots.h"
 #include "store/db.h"
+#include "store/server/serverlink.h"
 #include "verbs.h"
 
 #include <QtCore/QDir>
@@ -103,6 +104,10 @@ int restore(const QStringList &args, QTextStream &out, QTextStream &err)
         return usage(err, u"restore"_s);
     }
     const QString from = args.at(0) == u"--yes" ? args.at(1) : args.at(0);
+    if (ServerLink::isConnected())
+        return fail(
+            err, u"this data folder works on a company server; a restore would not reach the server. Run "_s
+                 u"trestle disconnect first to restore this folder's own records"_s);
     // The store is never opened: the folder is swapped under nobody.
     const Backup::Result r = QFileInfo(from).isDir() ? Snapshots::restore(from, DB::appFolder())
                                                      : Backup::restore(from, DB::appFolder());

@@ -5,6 +5,8 @@
 #include "shell/tlapp.h"
 #include "store/db.h"
 #include "store/folderlock.h"
+#include "store/server/serverlink.h"
+#include "store/server/serversync.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QCoreApplication>
@@ -77,6 +79,8 @@ int main(int argc, char *argv[])
         err.flush();
         std::exit(1);
     };
+    // On a company server a verb reads what the server has now, and what it changed is sent before it ends.
+    ServerLink::setHeadless(true);
     // What a verb reports is printed only once its changes are known to be on disk.
     QString report;
     QTextStream held(&report);
@@ -86,6 +90,12 @@ int main(int argc, char *argv[])
         err << "trestle: could not save to " << db->path() << ": " << db->unsavedCause() << " ("
             << db->unsavedCount() << (db->unsavedCount() == 1 ? " change" : " changes") << " not written)\n";
         return 1;
+    }
+    if (ServerSync *sync = ServerLink::sync(); sync && sync->waiting() > 0 && !sync->flush(15000)) {
+        const qsizetype n = sync->waiting();
+        held << "Working offline — " << n << (n == 1 ? " change" : " changes")
+             << " will be sent when the company server is back\n";
+        held.flush();
     }
     out << report;
     return code;

@@ -12,6 +12,7 @@
 #include "interchange/sample.h"
 #include "look/fwui.h"
 #include "store/db.h"
+#include "store/server/serverlink.h"
 
 #include <QtCore/QTextStream>
 #include <QtCore/QTimer>
@@ -61,7 +62,8 @@ void ensureCompany(DB &db)
 {
     // Only "no company at all" counts, so a deleted sample comes back on the next start;
     // a file that did not open cleanly, or opened only for reading, never gets one.
-    if (db.isOpen() && !db.readOnly() && db.count(u"company"_s) == 0)
+    // On a company server an empty copy only means the server has not been heard from yet.
+    if (db.isOpen() && !db.readOnly() && db.count(u"company"_s) == 0 && !ServerLink::isConnected())
         loadSample(db);
 }
 

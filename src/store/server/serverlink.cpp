@@ -9,6 +9,11 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QSaveFile>
 
+#include <termios.h>
+#include <unistd.h>
+
+#include <cstdio>
+
 using namespace Qt::StringLiterals;
 
 namespace ServerLink {
@@ -16,6 +21,7 @@ namespace ServerLink {
 namespace {
 ServerSync *shared = nullptr;
 bool headlessRun = false;
+QString startPassword;
 // How long a verb waits for the server before it works on the copy it has.
 constexpr int kVerbWaitMs = 20000;
 } // namespace
@@ -73,9 +79,51 @@ void attach(DB &db)
     if (shared || !db.isOpen())
         return;
     shared = new ServerSync(db, conninfo(), &db);
-    shared->start();
-    if (headlessRun)
-        shared->waitCaughtUp(kVerbWaitMs);
+    shared->start(startPassword);
+    if (!headlessRun)
+        return;
+    shared->waitCaughtUp(kVerbWaitMs);
+    if (shared->state() == ServerSync::State::Offline && loginRefused(shared->problem())) {
+        const QString password = askPassword(u"Password for the company server: "_s);
+        if (!password.isEmpty()) {
+            shared->setPassword(password);
+            shared->waitCaughtUp(kVerbWaitMs);
+        }
+    }
+}
+
+void setPassword(const QString &password)
+{
+    startPassword = password;
+}
+
+QString askPassword(const QString &prompt)
+{
+    if (!isatty(STDIN_FILENO))
+        return QString();
+    std::fputs(prompt.toLocal8Bit().constData(), stderr);
+    std::fflush(stderr);
+    termios old{};
+    const bool tty = tcgetattr(STDIN_FILENO, &old) == 0;
+    if (tty) {
+        termios quiet = old;
+        quiet.c_lflag &= ~tcflag_t(ECHO);
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
+    }
+    char line[1024] = {};
+    const bool read = std::fgets(line, sizeof line, stdin) != nullptr;
+    if (tty)
+        tcsetattr(STDIN_FILENO, TCSAFLUSH, &old);
+    std::fputs("\n", stderr);
+    QString out = read ? QString::fromLocal8Bit(line) : QString();
+    while (out.endsWith(u'\n') || out.endsWith(u'\r'))
+        out.chop(1);
+    return out;
+}
+
+bool loginRefused(const QString &problem)
+{
+    return problem.contains(u"refused the login"_s);
 }
 
 ServerSync *sync()

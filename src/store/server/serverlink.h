@@ -24,6 +24,14 @@ bool disconnect(QString *error);
 void attach(DB &db);
 // The application's link, when the folder is connected and the store open.
 ServerSync *sync();
-// Verbs wait for the server's changes before they read (at most this long).
+// Verbs wait for the server's changes before they read, and ask for a
+// password on the terminal when the server wants one that libpq's own
+// sources (PGPASSWORD, ~/.pgpass) do not give.
 void setHeadless(bool headless);
+// The password the application's link starts with (kept in memory only).
+void setPassword(const QString &password);
+// Asks on the terminal, without echo; nothing when there is no terminal.
+QString askPassword(const QString &prompt);
+// Whether a failure to connect was the server turning the login away.
+bool loginRefused(const QString &problem);
 } // namespace ServerLink

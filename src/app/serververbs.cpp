@@ -1,0 +1,260 @@
+// The company server from the command line: set one up, push this folder's
+// companies to it, make logins, and connect this folder to it or back.
+#include "catalog/modules.h"
+#include "store/db.h"
+#include "store/server/pg.h"
+#include "store/server/seatcache.h"
+#include "store/server/serveradmin.h"
+#include "store/server/serverlink.h"
+#include "store/server/serverschema.h"
+#include "store/server/serversync.h"
+#include "verbs.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+int fail(QTextStream &err, const QString &line)
+{
+    err << "trestle: " << line << '\n';
+    return 1;
+}
+
+int usage(QTextStream &err, const QString &verb)
+{
+    err << "usage: trestle " << verb << ' ' << Verbs::find(verb)->usage << '\n';
+    return 2;
+}
+
+// The server's definitions follow the module table.
+ServerCatalog catalog()
+{
+    ServerCatalog c;
+    for (const ModuleDef &m : Modules::all())
+        if (m.numbered && !m.kind.isEmpty() && !c.numberedKinds.contains(m.kind))
+            c.numberedKinds.append(m.kind);
+    return c;
+}
+
+// Connects, asking for the password on the terminal when libpq's own sources give none that works.
+bool open(Pg::Conn &conn, const QString &conninfo, QString *password, QString *error)
+{
+    if (conn.open(conninfo, QString(), error))
+        return true;
+    if (!ServerLink::loginRefused(*error))
+        return false;
+    const QString typed = ServerLink::askPassword(u"Password for "_s + Pg::describe(conninfo) + u": "_s);
+    if (typed.isEmpty())
+        return false;
+    if (!conn.open(conninfo, typed, error))
+        return false;
+    if (password)
+        *password = typed;
+    return true;
+}
+
+int serverInit(const QString &conninfo, QTextStream &out, QTextStream &err)
+{
+    Pg::Conn admin;
+    QString error;
+    if (!open(admin, conninfo, nullptr, &error))
+        return fail(err, error);
+    QString message;
+    switch (ServerSchema::init(admin, catalog(), &message)) {
+    case ServerSchema::Init::Created:
+    case ServerSchema::Init::AlreadySetUp: out << Pg::describe(conninfo) << ": " << message << '\n'; return 0;
+    case ServerSchema::Init::Refused:
+    case ServerSchema::Init::Failed: break;
+    }
+    return fail(err, Pg::describe(conninfo) + u": "_s + message);
+}
+
+int serverPush(const QString &conninfo, QTextStream &out, QTextStream &err)
+{
+    Pg::Conn admin;
+    QString error;
+    if (!open(admin, conninfo, nullptr, &error))
+        return fail(err, error);
+    if (!ServerSchema::check(admin, nullptr, &error))
+        return fail(err, error);
+    // Always this folder's own records, also while it works on a server.
+    DB local(QDir(DB::appFolder()).filePath(u"trestle.sqlite"_s));
+    if (!local.isOpen())
+        return fail(err, local.openProblem());
+    QString summary;
+    if (!ServerAdmin::push(admin, local, &summary, &error))
+        return fail(err, error);
+    out << "Pushed " << summary << " to " << Pg::describe(conninfo) << '\n';
+    return 0;
+}
+
+int serverAddLogin(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    // <conninfo> <login> --user <member-id> --password-stdin
+    QString conninfo, login, member;
+    bool fromStdin = false;
+    for (qsizetype k = 0; k < args.size(); ++k) {
+        const QString &a = args.at(k);
+        if (a == u"--user" && k + 1 < args.size())
+            member = args.at(++k);
+        else if (a == u"--password-stdin")
+            fromStdin = true;
+        else if (a.startsWith(u"--"_s))
+            return usage(err, u"server"_s);
+        else if (conninfo.isEmpty())
+            conninfo = a;
+        else if (login.isEmpty())
+            login = a;
+        else
+            return usage(err, u"server"_s);
+    }
+    if (conninfo.isEmpty() || login.isEmpty() || member.isEmpty() || !fromStdin)
+        return usage(err, u"server"_s);
+    QString error;
+    if (!ServerAdmin::validLogin(login, &error))
+        return fail(err, error);
+    QFile in;
+    if (!in.open(stdin, QIODevice::ReadOnly))
+        return fail(err, u"could not read the password from standard input"_s);
+    QString password = QString::fromUtf8(in.readLine());
+    while (password.endsWith(u'\n') || password.endsWith(u'\r'))
+        password.chop(1);
+    if (password.isEmpty())
+        return fail(err, u"no password on standard input"_s);
+    Pg::Conn admin;
+    if (!open(admin, conninfo, nullptr, &error))
+        return fail(err, error);
+    if (!ServerSchema::check(admin, nullptr, &error))
+        return fail(err, error);
+    if (!ServerAdmin::addLogin(admin, login, member, password, &error))
+        return fail(err, error);
+    out << "Login " << login << " is ready for team member " << member << '\n';
+    return 0;
+}
+
+int server(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (args.isEmpty())
+        return usage(err, u"server"_s);
+    const QString what = args.first();
+    const QStringList rest = args.mid(1);
+    if (what == u"add-login")
+        return serverAddLogin(rest, out, err);
+    if (rest.size() != 1 || rest.first().startsWith(u"--"_s))
+        return usage(err, u"server"_s);
+    QString error;
+    if (!Pg::conninfoValid(rest.first(), &error))
+        return fail(err, error);
+    if (what == u"init")
+        return serverInit(rest.first(), out, err);
+    if (what == u"push")
+        return serverPush(rest.first(), out, err);
+    return usage(err, u"server"_s);
+}
+
+// Moves a copy of another server aside, unless changes in it still wait to be sent.
+bool freshCache(const QString &serverId, QString *error)
+{
+    const QString path = ServerLink::cachePath();
+    if (!QFileInfo::exists(path))
+        return true;
+    QString known;
+    qsizetype waiting = 0;
+    {
+        DB cache(path);
+        if (!cache.isOpen()) {
+            *error = cache.openProblem();
+            return false;
+        }
+        SeatCache seat(cache);
+        known = seat.meta(u"server_id"_s);
+        waiting = seat.waiting();
+    }
+    if (known.isEmpty() || known == serverId)
+        return true;
+    if (waiting > 0) {
+        *error = u"this folder's copy of another company server holds "_s + QString::number(waiting) +
+                 u" changes not yet sent; connect to that server again to send them first"_s;
+        return false;
+    }
+    const QString folder = QFileInfo(path).absolutePath();
+    const QString aside =
+        folder + u" (before "_s + QDateTime::currentDateTime().toString(u"yyyy-MM-dd HHmmss"_s) + u')';
+    if (!QDir().rename(folder, aside)) {
+        *error = u"could not move the copy of the other server aside to "_s + aside;
+        return false;
+    }
+    return true;
+}
+
+int connectVerb(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (args.size() != 1 || args.first().startsWith(u"--"_s))
+        return usage(err, u"connect"_s);
+    const QString conninfo = args.first();
+    QString error, password, serverId;
+    if (!Pg::conninfoValid(conninfo, &error))
+        return fail(err, error);
+    {
+        Pg::Conn probe;
+        if (!open(probe, conninfo, &password, &error))
+            return fail(err, error);
+        if (!ServerSchema::check(probe, &serverId, &error))
+            return fail(err, error);
+    }
+    if (!freshCache(serverId, &error) || !ServerLink::connect(conninfo, &error))
+        return fail(err, error);
+    ServerLink::setPassword(password);
+    DB &db = DB::shared();
+    ServerSync *sync = ServerLink::sync();
+    if (!sync || !sync->caughtUp())
+        return fail(err, sync ? sync->problem() : db.openProblem());
+    out << "Connected to " << Pg::describe(conninfo) << " as " << sync->login() << '\n';
+    const QList<Rec> companies = db.list(u"company"_s);
+    if (companies.isEmpty())
+        out << "The server holds no company yet (trestle server push uploads this folder's)\n";
+    for (const Rec &c : companies)
+        out << "  " << c.f.value(u"name") << " (" << c.id << ")\n";
+    return 0;
+}
+
+int disconnectVerb(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (!args.isEmpty())
+        return usage(err, u"disconnect"_s);
+    if (!ServerLink::isConnected()) {
+        out << "This data folder already works on its own records\n";
+        return 0;
+    }
+    qsizetype waiting = 0;
+    {
+        DB cache(ServerLink::cachePath());
+        if (cache.isOpen())
+            waiting = SeatCache(cache).waiting();
+    }
+    QString error;
+    if (!ServerLink::disconnect(&error))
+        return fail(err, error);
+    out << "Disconnected: this data folder works on its own records again\n";
+    if (waiting > 0)
+        out << waiting << (waiting == 1 ? " change" : " changes")
+            << " not yet sent stay in the server's copy and go out when you connect again\n";
+    return 0;
+}
+
+const Verbs::Register regServer({u"server"_s,
+                                 u"init|push <conninfo> | add-login <conninfo> <login> --user <member-id> "
+                                 u"--password-stdin"_s,
+                                 u"Set up a company server, push this folder's companies, or make a login"_s,
+                                 &server});
+const Verbs::Register regConnect({u"connect"_s, u"<conninfo>"_s,
+                                  u"Work on a company server from this data folder"_s, &connectVerb, true});
+const Verbs::Register regDisconnect({u"disconnect"_s, QString(),
+                                     u"Return this data folder to its own records"_s, &disconnectVerb, true});
+
+} // namespace
