@@ -7,6 +7,9 @@
 #include "look/fwui.h"
 #include "look/icons.h"
 #include "store/db.h"
+#include "store/server/pg.h"
+#include "store/server/serverlink.h"
+#include "store/server/serversync.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
@@ -122,6 +125,7 @@ HeaderBar::HeaderBar(DB &db, Nav &nav, QWidget *parent)
     , m_zoom(new QLabel(this))
     , m_help(new FWOrbButton(u"questionmark.circle"_s, u"Fenwright Trestle Help"_s, this))
     , m_brand(new QLabel(u"TRESTLE"_s, this))
+    , m_server(new QLabel(this))
 {
     auto *row = new QHBoxLayout(this);
     row->addWidget(m_brand);
@@ -129,6 +133,7 @@ HeaderBar::HeaderBar(DB &db, Nav &nav, QWidget *parent)
     row->addWidget(m_project);
     row->addWidget(m_user);
     row->addStretch(1);
+    row->addWidget(m_server);
     row->addWidget(m_theme);
     row->addWidget(m_zoomOut);
     row->addWidget(m_zoom);
@@ -138,6 +143,10 @@ HeaderBar::HeaderBar(DB &db, Nav &nav, QWidget *parent)
     m_zoom->setToolTip(u"Interface zoom"_s);
     for (QMenu *menu : {m_companyMenu, m_projectMenu, m_userMenu})
         connect(menu, &QMenu::aboutToShow, this, &HeaderBar::rebuildMenus);
+    m_server->setObjectName(u"serverState"_s);
+    if (ServerSync *sync = ServerLink::sync())
+        connect(sync, &ServerSync::stateChanged, this, &HeaderBar::showServer);
+    showServer();
     FWUI &ui = FWUI::shared();
     for (const FWTheme &t : FWTheme::all()) {
         const QString id = t.id;
@@ -199,6 +208,31 @@ void HeaderBar::refresh()
     m_project->setValue(project ? project->f[u"number"] + u' ' + project->f[u"name"] : u"All projects"_s);
     const std::optional<Rec> user = m_db.user();
     m_user->setValue(user ? user->f[u"name"] + u" — "_s + m_db.role() : m_db.role());
+}
+
+void HeaderBar::showServer()
+{
+    ServerSync *sync = ServerLink::sync();
+    m_server->setVisible(sync != nullptr);
+    if (!sync)
+        return;
+    const FWUI &ui = FWUI::shared();
+    const qsizetype waiting = sync->waiting();
+    QString text;
+    switch (sync->state()) {
+    case ServerSync::State::Online:
+        text = waiting > 0 ? u"Sending "_s + QString::number(waiting) + u"…"_s : u"Connected"_s;
+        break;
+    case ServerSync::State::Offline:
+        text = waiting > 0 ? u"Offline, "_s + QString::number(waiting) + u" waiting"_s : u"Offline"_s;
+        break;
+    case ServerSync::State::Connecting: text = u"Reconnecting…"_s; break;
+    }
+    m_server->setFont(ui.font(11, QFont::DemiBold));
+    m_server->setText(text);
+    m_server->setToolTip(Pg::describe(sync->conninfo()) +
+                         (sync->problem().isEmpty() ? QString() : u"\n"_s + sync->problem()));
+    m_server->setAccessibleName(u"Company server: "_s + text);
 }
 
 void HeaderBar::restyle()

@@ -78,4 +78,7 @@ private:
     QLabel *m_zoom;
     FWOrbButton *m_help;
     QLabel *m_brand;
+    // Connected / offline with changes waiting / reconnecting; only on a company server.
+    QLabel *m_server;
+    void showServer();
 };

@@ -6,10 +6,12 @@
 #include "nav.h"
 #include "recoveryscreen.h"
 #include "savebanner.h"
+#include "serverbar.h"
 #include "sheets.h"
 
 #include "look/fwui.h"
 #include "store/db.h"
+#include "store/server/serverlink.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
@@ -28,6 +30,7 @@ TLMain::TLMain(DB &db, Nav &nav, QWidget *parent)
     box->setSpacing(0);
     box->addWidget(m_header);
     box->addWidget(m_banner);
+    box->addWidget(new ServerBar(db, ServerLink::sync(), this));
     auto *row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(0);

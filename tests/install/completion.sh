@@ -39,8 +39,12 @@ while IFS='|' read -r line expected; do
         fail=1
     fi
 done <<'CASES'
-trestle |backup docx export-csv export-qb get info log pdf proposal recover report restore sample set snapshot snapshots
-trestle s|sample set snapshot snapshots
+trestle |backup connect disconnect docx export-csv export-qb get info log pdf proposal recover report restore sample server set snapshot snapshots
+trestle s|sample server set snapshot snapshots
+trestle server |add-login init push
+trestle server add-login conn jen --|--password-stdin --user
+trestle connect |
+trestle disconnect |
 trestle exp|export-csv export-qb
 trestle --|--help --screenshot --version
 trestle report |budget hub jobcost project schedule wip wip-schedule
