@@ -687,7 +687,7 @@ void DB::saveAndRemove(const QList<Rec> &recs, const QStringList &removals)
         for (const StoredRec *s : std::as_const(doomed)) {
             const QString file = s->rec.f.value(u"file");
             if (!file.isEmpty())
-                QFile::remove(fileURL(file, s->rec.company));
+                QFile::remove(storedPath(file, s->rec.company));
         }
     for (const QString &rid : std::as_const(gone)) {
         auto it = m_recs.find(rid);

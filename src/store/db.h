@@ -188,6 +188,8 @@ private:
     QHash<QString, quint64> m_projectStamps;
     quint64 m_sharedStamp = 0;
     void stamp(const Rec &rec);
+    // Where a stored file lives, without creating its folder or fetching it.
+    QString storedPath(const QString &name, const QString &company) const;
     bool openFile(const QString &path);
     bool refuse(OpenState state, const QString &problem);
     bool load();

@@ -1,5 +1,6 @@
 // Files that belong to records, kept in one flat folder per company.
 #include "db.h"
+#include "server/seatcache.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -18,11 +19,21 @@ QString component(const QString &text)
 }
 } // namespace
 
+QString DB::storedPath(const QString &name, const QString &company) const
+{
+    return QDir(QDir(m_filesRoot).filePath(component(company))).filePath(component(name));
+}
+
 QString DB::fileURL(const QString &name, const std::optional<QString> &company) const
 {
-    const QString folder = QDir(m_filesRoot).filePath(component(company.value_or(m_companyID)));
+    const QString owner = company.value_or(m_companyID);
+    const QString folder = QDir(m_filesRoot).filePath(component(owner));
     QDir().mkpath(folder);
-    return QDir(folder).filePath(component(name));
+    const QString path = QDir(folder).filePath(component(name));
+    // On a company server a file not fetched yet is asked for the first time it is needed.
+    if (m_seat && m_seat->wantFile && !name.isEmpty() && !QFileInfo::exists(path))
+        m_seat->wantFile(component(owner), component(name));
+    return path;
 }
 
 std::optional<QString> DB::importFile(const QString &path) const

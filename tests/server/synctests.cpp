@@ -2,6 +2,7 @@
 #include "serverfixture.h"
 #include "testmain.h"
 
+#include <QtCore/QSaveFile>
 #include <QtTest/QSignalSpy>
 
 using namespace Qt::StringLiterals;
@@ -173,6 +174,52 @@ private Q_SLOTS:
         for (const Rec &r : ben.db->list(u"rfi"_s, {.project = m_server.projectId}))
             found = found || r.f.value(u"title") == u"Written offline";
         QVERIFY(found);
+    }
+
+    void storedFilesTravel()
+    {
+        Seat ann, ben;
+        QVERIFY(m_server.openSeat(ann, u"ann"_s));
+        QVERIFY(m_server.openSeat(ben, u"ben"_s));
+        // A plan sheet and a photo with the same bytes: stored once on the server.
+        QTemporaryDir outside;
+        const QString source = outside.filePath(u"A-101 Floor plan.pdf"_s);
+        QFile f(source);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("%PDF-1.4\n% sheet A-101, first issue\n");
+        f.close();
+        const QString sheetName = *ann.db->importFile(source);
+        const QString photoName = *ann.db->importFile(source);
+        const Rec sheet = ann.db->add(u"sheet"_s, m_server.projectId, QString(), {{u"file"_s, sheetName}});
+        ann.db->add(u"photo"_s, m_server.projectId, QString(), {{u"file"_s, photoName}});
+        QString out;
+        auto serverFiles = [&] {
+            m_server.cluster.psql(
+                m_server.dbName, u"postgres"_s,
+                u"SELECT (SELECT count(*) FROM trestle.files), (SELECT count(*) FROM trestle.blobs)"_s, &out);
+            return out;
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(serverFiles(), u"2|1"_s, 10000);
+        QTRY_VERIFY_WITH_TIMEOUT(ben.db->find(sheet.id), 8000);
+        // Ben's copy fetches the file the first time it is asked for.
+        const QString atBen = QDir(ben.db->filesRoot()).filePath(m_server.companyId + u'/' + sheetName);
+        QTRY_VERIFY_WITH_TIMEOUT((ben.db->fileURL(sheetName, m_server.companyId), QFileInfo::exists(atBen)),
+                                 10000);
+        QFile got(atBen);
+        QVERIFY(got.open(QIODevice::ReadOnly));
+        QCOMPARE(got.readAll(), QByteArray("%PDF-1.4\n% sheet A-101, first issue\n"));
+        // Marks saved into the sheet on Ben's seat reach Ann's copy.
+        QSaveFile marked(atBen);
+        QVERIFY(marked.open(QIODevice::WriteOnly));
+        marked.write("%PDF-1.4\n% sheet A-101 with Ben's cloud\n");
+        QVERIFY(marked.commit());
+        const QString atAnn = QDir(ann.db->filesRoot()).filePath(m_server.companyId + u'/' + sheetName);
+        QTRY_VERIFY_WITH_TIMEOUT(
+            [&] {
+                QFile a(atAnn);
+                return a.open(QIODevice::ReadOnly) && a.readAll().contains("Ben's cloud");
+            }(),
+            15000);
     }
 
     void cleanupTestCase() { m_server.cluster.stop(); }

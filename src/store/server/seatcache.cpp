@@ -91,7 +91,10 @@ SeatCache::SeatCache(DB &db)
         exec("CREATE TABLE IF NOT EXISTS srv_ver (id TEXT PRIMARY KEY, version INTEGER NOT NULL)") &&
         exec("CREATE TABLE IF NOT EXISTS srv_outbox (seq INTEGER PRIMARY KEY AUTOINCREMENT, id TEXT NOT NULL "
              "UNIQUE, removed INTEGER NOT NULL, gen INTEGER NOT NULL, base_version INTEGER NOT NULL, "
-             "base_json TEXT, force INTEGER NOT NULL DEFAULT 0, notices TEXT)");
+             "base_json TEXT, force INTEGER NOT NULL DEFAULT 0, notices TEXT)") &&
+        exec("CREATE TABLE IF NOT EXISTS srv_files (company TEXT NOT NULL, name TEXT NOT NULL, server_sha "
+             "TEXT, "
+             "local_sha TEXT, size INTEGER, mtime INTEGER, PRIMARY KEY (company, name))");
     if (m_ok)
         db.m_seat = this;
 }
@@ -310,7 +313,7 @@ bool SeatCache::commitToMemory(bool ok)
         m_db.stamp(it->second.rec);
         const QString file = it->second.rec.f.value(u"file");
         if (!file.isEmpty())
-            QFile::remove(m_db.fileURL(file, it->second.rec.company));
+            QFile::remove(m_db.storedPath(file, it->second.rec.company));
         m_db.m_index.remove(&it->second);
         m_db.m_recs.erase(it);
     }
@@ -397,6 +400,12 @@ bool SeatCache::takeResults(const QList<SendResult> &results)
     return true;
 }
 
+void SeatCache::touch()
+{
+    ++m_db.m_revision;
+    Q_EMIT m_db.changed();
+}
+
 bool SeatCache::forcePut(const QString &id)
 {
     return exec("UPDATE srv_outbox SET force = 1 WHERE id = ?", {id.toUtf8()});
@@ -405,4 +414,37 @@ bool SeatCache::forcePut(const QString &id)
 QList<SeatNotice> SeatCache::takeNotices()
 {
     return std::exchange(m_notices, {});
+}
+
+QHash<QString, SeatCache::FileState> SeatCache::files() const
+{
+    QHash<QString, FileState> out;
+    Stmt st(m_conn, "SELECT company, name, server_sha, local_sha, size, mtime FROM srv_files", {});
+    while (st.row()) {
+        FileState f;
+        f.serverSha = st.text(2);
+        f.localSha = st.text(3);
+        f.size = st.isNull(4) ? -1 : st.number(4);
+        f.mtime = st.isNull(5) ? -1 : st.number(5);
+        out.insert(st.text(0) + u'/' + st.text(1), f);
+    }
+    return out;
+}
+
+bool SeatCache::setServerFile(const QString &company, const QString &name, const QString &sha)
+{
+    return exec(
+        "INSERT INTO srv_files (company, name, server_sha) VALUES (?1, ?2, ?3) ON CONFLICT(company, name) "
+        "DO UPDATE SET server_sha = excluded.server_sha",
+        {company.toUtf8(), name.toUtf8(), sha.toUtf8()});
+}
+
+bool SeatCache::setLocalFile(const QString &company, const QString &name, const QString &sha, qint64 size,
+                             qint64 mtime)
+{
+    return exec(
+        "INSERT INTO srv_files (company, name, local_sha, size, mtime) VALUES (?1, ?2, ?3, ?4, ?5) "
+        "ON CONFLICT(company, name) DO UPDATE SET local_sha = excluded.local_sha, size = excluded.size, "
+        "mtime = excluded.mtime",
+        {company.toUtf8(), name.toUtf8(), sha.toUtf8(), num(size), num(mtime)});
 }

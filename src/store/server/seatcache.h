@@ -3,6 +3,8 @@
 
 #include <QtCore/QHash>
 
+#include <functional>
+
 #include <optional>
 
 class DB;
@@ -59,6 +61,25 @@ public:
     // Sends the waiting change of `id` even over a newer server version (a
     // record put back after another seat removed it).
     bool forcePut(const QString &id);
+
+    // --- stored files ---
+    // What this seat knows of one stored file: the server's contents, and
+    // the contents, size and time of the file on this disk when last looked at.
+    struct FileState
+    {
+        QString serverSha;
+        QString localSha;
+        qint64 size = -1;
+        qint64 mtime = -1;
+    };
+    QHash<QString, FileState> files() const; // by "company/name"
+    bool setServerFile(const QString &company, const QString &name, const QString &sha);
+    bool setLocalFile(const QString &company, const QString &name, const QString &sha, qint64 size,
+                      qint64 mtime);
+    // Tells the screens that something they show (a stored file) changed.
+    void touch();
+    // Called by the store when a stored file is asked for and is not on this disk.
+    std::function<void(const QString &company, const QString &name)> wantFile;
 
     // --- answers from the server ---
     // Applies changes read from the server in position order and moves the

@@ -79,6 +79,7 @@ void attach(DB &db)
     if (shared || !db.isOpen())
         return;
     shared = new ServerSync(db, conninfo(), &db);
+    shared->setHeadless(headlessRun);
     shared->start(startPassword);
     if (!headlessRun)
         return;

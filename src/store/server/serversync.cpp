@@ -1,5 +1,6 @@
 #include "serversync.h"
 
+#include "filesync.h"
 #include "pg.h"
 #include "store/db.h"
 #include "syncworker.h"
@@ -40,6 +41,21 @@ ServerSync::ServerSync(DB &db, const QString &conninfo, QObject *parent)
         pumpSend();
     });
     connect(&m_db, &DB::changed, m_kick, qOverload<>(&QTimer::start));
+    m_files = new FileSync(db, *m_cache, this);
+    m_scan = new QTimer(this);
+    m_scan->setSingleShot(true);
+    m_scan->setInterval(1000);
+    connect(m_scan, &QTimer::timeout, m_files, &FileSync::scan);
+    connect(m_files, &FileSync::arrived, this, [this] { m_cache->touch(); });
+    m_cache->wantFile = [this](const QString &company, const QString &name) {
+        m_files->want(company, name);
+        if (m_headless)
+            waitFile(company, name, 30000);
+    };
+    connect(m_poll, &QTimer::timeout, this, [this] {
+        if (m_caughtUp)
+            m_files->scan();
+    });
     countWaiting();
 }
 
@@ -64,6 +80,15 @@ void ServerSync::stopWorker()
 void ServerSync::start(const QString &password)
 {
     stopWorker();
+    if (!m_cache->ok()) {
+        // Without its outbox a seat would drop what is typed here; it stays on its copy and says why.
+        m_triedOnce = true;
+        setState(State::Offline, u"this folder's copy of the company server cannot be written: "_s +
+                                     (m_db.isOpen() ? (m_db.readOnly() ? u"it is read-only"_s
+                                                                       : u"its tables could not be made"_s)
+                                                    : m_db.openProblem()));
+        return;
+    }
     m_triedOnce = false;
     setState(State::Connecting, QString());
     m_thread = new QThread;
@@ -76,6 +101,13 @@ void ServerSync::start(const QString &password)
     connect(m_worker, &SyncWorker::fetched, this, &ServerSync::onFetched);
     connect(m_worker, &SyncWorker::sent, this, &ServerSync::onSent);
     connect(m_worker, &SyncWorker::woken, this, &ServerSync::requestFetch);
+    connect(m_worker, &SyncWorker::downloaded, m_files, &FileSync::takeDownload);
+    connect(m_worker, &SyncWorker::uploaded, m_files, &FileSync::takeUpload);
+    // The file requests go to whichever worker is current.
+    disconnect(m_files, &FileSync::download, nullptr, nullptr);
+    disconnect(m_files, &FileSync::upload, nullptr, nullptr);
+    connect(m_files, &FileSync::download, m_worker, &SyncWorker::download);
+    connect(m_files, &FileSync::upload, m_worker, &SyncWorker::upload);
     m_thread->start();
     QMetaObject::invokeMethod(m_worker, &SyncWorker::start, Qt::QueuedConnection);
 }
@@ -176,13 +208,13 @@ void ServerSync::requestFetch()
 void ServerSync::onFetched(const QList<ServerRow> &rows, qint64 newPos, bool more,
                            const QList<ServerNotice> &notices, const QList<ServerFile> &files)
 {
-    Q_UNUSED(files);
     m_fetchInFlight = false;
     if (!m_cache->applyRemote(rows, newPos)) {
         // The file could not take them; the same rows are read again on the next look.
         m_fetchAgain = false;
         return;
     }
+    m_files->takeServerFiles(files);
     if (!rows.isEmpty()) {
         QDateTime newest;
         for (const ServerRow &r : rows)
@@ -210,6 +242,7 @@ void ServerSync::onFetched(const QList<ServerRow> &rows, qint64 newPos, bool mor
     }
     if (!m_caughtUp) {
         m_caughtUp = true;
+        m_files->scan();
         Q_EMIT stateChanged();
     }
     countWaiting();
@@ -218,6 +251,9 @@ void ServerSync::onFetched(const QList<ServerRow> &rows, qint64 newPos, bool mor
 
 void ServerSync::pumpSend()
 {
+    // Files changed here are looked for a moment after the last write, not at every keystroke.
+    if (m_state == State::Online && m_caughtUp && !m_scan->isActive())
+        m_scan->start();
     if (m_state != State::Online || !m_caughtUp || m_sendInFlight || !m_worker)
         return;
     const QList<OutItem> items = m_cache->pending(kSendBatch);
@@ -282,6 +318,26 @@ bool ServerSync::flush(int ms)
         loop.exec();
     }
     return m_waiting == 0;
+}
+
+bool ServerSync::waitFile(const QString &company, const QString &name, int ms)
+{
+    if (!m_files->downloading(company, name) || !m_worker)
+        return !m_files->downloading(company, name);
+    QEventLoop loop;
+    QTimer timeout;
+    timeout.setSingleShot(true);
+    connect(&timeout, &QTimer::timeout, &loop, &QEventLoop::quit);
+    connect(
+        m_worker, &SyncWorker::downloaded, &loop,
+        [&] {
+            if (!m_files->downloading(company, name))
+                loop.quit();
+        },
+        Qt::QueuedConnection);
+    timeout.start(ms);
+    loop.exec();
+    return !m_files->downloading(company, name);
 }
 
 void ServerSync::dismiss(qsizetype index)

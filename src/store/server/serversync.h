@@ -11,6 +11,7 @@ class DB;
 class QThread;
 class QTimer;
 class SyncWorker;
+class FileSync;
 
 // Keeps a seat's store in step with its company server: reads what other
 // seats changed (at start, on every wake-up, after every reconnect, and on a
@@ -60,6 +61,10 @@ public:
     void act(qsizetype index);
 
     SeatCache &cache() { return *m_cache; }
+    // Waits (running events) until the stored file is fetched or `ms` passed.
+    bool waitFile(const QString &company, const QString &name, int ms);
+    // Verbs wait for a stored file they ask for; the window goes on and redraws when it comes.
+    void setHeadless(bool headless) { m_headless = headless; }
 
 Q_SIGNALS:
     void stateChanged();
@@ -82,10 +87,13 @@ private:
     DB &m_db;
     QString m_conninfo;
     std::unique_ptr<SeatCache> m_cache;
+    FileSync *m_files = nullptr;
+    bool m_headless = false;
     QThread *m_thread = nullptr;
     SyncWorker *m_worker = nullptr;
     QTimer *m_poll = nullptr;
     QTimer *m_kick = nullptr;
+    QTimer *m_scan = nullptr;
     State m_state = State::Connecting;
     QString m_problem;
     QHash<QString, QString> m_members; // login → team member id

@@ -1,5 +1,6 @@
 #include "syncworker.h"
 
+#include "serveradmin.h"
 #include "serverschema.h"
 #include "store/recjson.h"
 
@@ -258,6 +259,28 @@ void SyncWorker::send(const QList<OutItem> &items)
         results.append(r);
     }
     Q_EMIT sent(results);
+}
+
+void SyncWorker::download(const QString &company, const QString &name, const QString &sha)
+{
+    QByteArray data;
+    if (m_conn.isOpen()) {
+        const Pg::Result r = m_conn.exec("SELECT encode(trestle.get_blob($1), 'base64')", {sha.toUtf8()});
+        if (r.ok() && r.rows() == 1 && !r.isNull(0, 0))
+            data = QByteArray::fromBase64(r.bytes(0, 0));
+        else
+            alive();
+    }
+    Q_EMIT downloaded(company, name, sha, data);
+}
+
+void SyncWorker::upload(const QString &company, const QString &name, const QString &path)
+{
+    QString sha, error;
+    const bool ok = m_conn.isOpen() && ServerAdmin::putFile(m_conn, company, name, path, &sha, &error);
+    if (!ok)
+        alive();
+    Q_EMIT uploaded(company, name, sha, ok);
 }
 
 void SyncWorker::stop()

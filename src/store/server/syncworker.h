@@ -28,6 +28,10 @@ public Q_SLOTS:
     void fetch(qint64 pos, qint64 noticeId);
     // Writes the changes, each over the version it names.
     void send(const QList<OutItem> &items);
+    // Reads the bytes of a stored file from the server.
+    void download(const QString &company, const QString &name, const QString &sha);
+    // Sends a stored file's bytes and names them for the company.
+    void upload(const QString &company, const QString &name, const QString &path);
     // Closes the connection for good.
     void stop();
 
@@ -41,6 +45,9 @@ Q_SIGNALS:
     void sent(const QList<SendResult> &results);
     // The server said something changed.
     void woken();
+    // A file's bytes, or a null array when the server could not give them.
+    void downloaded(const QString &company, const QString &name, const QString &sha, const QByteArray &data);
+    void uploaded(const QString &company, const QString &name, const QString &sha, bool ok);
 
 private:
     bool connectNow();
