@@ -157,41 +157,6 @@ int server(const QStringList &args, QTextStream &out, QTextStream &err)
     return usage(err, u"server"_s);
 }
 
-// Moves a copy of another server aside, unless changes in it still wait to be sent.
-bool freshCache(const QString &serverId, QString *error)
-{
-    const QString path = ServerLink::cachePath();
-    if (!QFileInfo::exists(path))
-        return true;
-    QString known;
-    qsizetype waiting = 0;
-    {
-        DB cache(path);
-        if (!cache.isOpen()) {
-            *error = cache.openProblem();
-            return false;
-        }
-        SeatCache seat(cache);
-        known = seat.meta(u"server_id"_s);
-        waiting = seat.waiting();
-    }
-    if (known.isEmpty() || known == serverId)
-        return true;
-    if (waiting > 0) {
-        *error = u"this folder's copy of another company server holds "_s + QString::number(waiting) +
-                 u" changes not yet sent; connect to that server again to send them first"_s;
-        return false;
-    }
-    const QString folder = QFileInfo(path).absolutePath();
-    const QString aside =
-        folder + u" (before "_s + QDateTime::currentDateTime().toString(u"yyyy-MM-dd HHmmss"_s) + u')';
-    if (!QDir().rename(folder, aside)) {
-        *error = u"could not move the copy of the other server aside to "_s + aside;
-        return false;
-    }
-    return true;
-}
-
 int connectVerb(const QStringList &args, QTextStream &out, QTextStream &err)
 {
     if (args.size() != 1 || args.first().startsWith(u"--"_s))
@@ -207,7 +172,7 @@ int connectVerb(const QStringList &args, QTextStream &out, QTextStream &err)
         if (!ServerSchema::check(probe, &serverId, &error))
             return fail(err, error);
     }
-    if (!freshCache(serverId, &error) || !ServerLink::connect(conninfo, &error))
+    if (!ServerLink::prepareCache(serverId, &error) || !ServerLink::connect(conninfo, &error))
         return fail(err, error);
     ServerLink::setPassword(password);
     DB &db = DB::shared();

@@ -1,5 +1,6 @@
 #include "menus.h"
 
+#include "connectdialog.h"
 #include "fileactions.h"
 #include "nav.h"
 #include "printcenter.h"
@@ -12,6 +13,7 @@
 #include "catalog/modules.h"
 #include "look/fwui.h"
 #include "store/db.h"
+#include "store/server/serverlink.h"
 
 #include <QtGui/QActionGroup>
 #include <QtWidgets/QMenuBar>
@@ -33,6 +35,11 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
     m->addAction(u"Restore From Backup…"_s, w, [w, &db] { FileActions::restore(w, db); });
     m->addAction(u"Restore From Snapshot…"_s, w, [w, &db] { SnapshotActions::restore(w, db); });
     m->addAction(u"Load Unsaved Changes…"_s, w, [w, &db] { FileActions::loadUnsaved(w, db); });
+    if (ServerLink::isConnected())
+        m->addAction(u"Disconnect From Company Server…"_s, w,
+                     [w] { ServerActions::disconnectFromServer(w); });
+    else
+        m->addAction(u"Connect to Company Server…"_s, w, [w] { ServerActions::connectToServer(w); });
     m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
     m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
     // A store that did not open takes nothing new; only the ways back stay.

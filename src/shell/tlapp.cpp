@@ -1,4 +1,5 @@
 #include "tlapp.h"
+#include "keyring.h"
 
 #include "modulearea.h"
 #include "nav.h"
@@ -173,6 +174,9 @@ int run(int &argc, char **argv)
     }
     if (helpPagesHook())
         helpPagesHook()();
+    // A company server's password kept in the keyring is handed over before the store connects.
+    if (ServerLink::isConnected())
+        ServerLink::setPassword(Keyring::password(ServerLink::conninfo()));
     DB &db = DB::shared();
     // The day's snapshot holds the store as it was before this run wrote anything.
     if (app.arguments().value(1) != u"--screenshot" && db.isOpen())

@@ -65,6 +65,40 @@ bool connect(const QString &info, QString *error)
     return true;
 }
 
+bool prepareCache(const QString &serverId, QString *error)
+{
+    const QString path = cachePath();
+    if (!QFileInfo::exists(path))
+        return true;
+    QString known;
+    qsizetype waiting = 0;
+    {
+        DB cache(path);
+        if (!cache.isOpen()) {
+            *error = cache.openProblem();
+            return false;
+        }
+        SeatCache seat(cache);
+        known = seat.meta(u"server_id"_s);
+        waiting = seat.waiting();
+    }
+    if (known.isEmpty() || known == serverId)
+        return true;
+    if (waiting > 0) {
+        *error = u"this folder's copy of another company server holds "_s + QString::number(waiting) +
+                 u" changes not yet sent; connect to that server again to send them first"_s;
+        return false;
+    }
+    const QString folder = QFileInfo(path).absolutePath();
+    const QString aside =
+        folder + u" (before "_s + QDateTime::currentDateTime().toString(u"yyyy-MM-dd HHmmss"_s) + u')';
+    if (!QDir().rename(folder, aside)) {
+        *error = u"could not move the copy of the other server aside to "_s + aside;
+        return false;
+    }
+    return true;
+}
+
 bool disconnect(QString *error)
 {
     if (!isConnected() || QFile::remove(markerPath()))

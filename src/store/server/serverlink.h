@@ -18,6 +18,9 @@ QString conninfo();
 QString cachePath();
 // Marks the folder connected to `conninfo`; false with a reason when the marker cannot be written.
 bool connect(const QString &conninfo, QString *error);
+// Makes the folder's copy ready for the server `serverId`: a copy of another
+// server is moved aside, unless changes in it still wait to be sent.
+bool prepareCache(const QString &serverId, QString *error);
 // Returns the folder to its own records; the server's copy stays for a later connect.
 bool disconnect(QString *error);
 // Starts mirroring the server into the application's store `db`.
