@@ -9,6 +9,7 @@
 #include "flowbench.h"
 #include "generator.h"
 #include "interbench.h"
+#include "serverbench.h"
 
 #include "store/db.h"
 
@@ -252,9 +253,16 @@ int main(int argc, char *argv[])
     const QCommandLineOption runsOpt(u"runs"_s, u"Runs per figure."_s, u"N"_s, u"5"_s);
     QCommandLineOption rssOpt(u"measure-rss"_s, u"Load the store and print memory."_s, u"PATH"_s);
     QCommandLineOption baseOpt(u"measure-baseline"_s, u"Print memory without a store."_s);
+    const QCommandLineOption serverOpt(
+        u"server"_s, u"Also measure a company server: an administrator's key=value connection string."_s,
+        u"CONNINFO"_s);
+    const QCommandLineOption seatsOpt(u"seats"_s, u"Seats saving at once on the server."_s, u"N"_s, u"25"_s);
+    const QCommandLineOption secondsOpt(u"seconds"_s, u"How long the seats save."_s, u"S"_s, u"60"_s);
+    const QCommandLineOption serverOnlyOpt(u"server-only"_s, u"Measure only the company server."_s);
     rssOpt.setFlags(QCommandLineOption::HiddenFromHelp);
     baseOpt.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOptions({folderOpt, reuseOpt, runsOpt, rssOpt, baseOpt});
+    parser.addOptions(
+        {folderOpt, reuseOpt, runsOpt, rssOpt, baseOpt, serverOpt, seatsOpt, secondsOpt, serverOnlyOpt});
     parser.process(app);
 
     const QString folder =
@@ -290,6 +298,10 @@ int main(int argc, char *argv[])
         out() << "generate: " << ms(t) << " ms  [" << made << " records]" << Qt::endl;
     }
     out() << "store: " << path << "  [" << mb(QFileInfo(path).size() / 1024) << " MB]" << Qt::endl;
-    runFigures(path, runs);
+    if (!parser.isSet(serverOnlyOpt))
+        runFigures(path, runs);
+    if (parser.isSet(serverOpt))
+        return runServerBench(path, parser.value(serverOpt), parser.value(seatsOpt).toInt(),
+                              parser.value(secondsOpt).toInt(), out());
     return 0;
 }

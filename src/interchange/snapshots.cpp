@@ -192,7 +192,12 @@ namespace Snapshots {
 
 QString folder(const QString &dataFolder)
 {
-    return QDir(QFileInfo(dataFolder).absolutePath()).filePath(u"Trestle Snapshots"_s);
+    // A company server's copy lives inside the data folder; its snapshots go
+    // beside the folder's own, never into the folder a backup would carry.
+    const QFileInfo info(dataFolder);
+    if (info.fileName() == u"Server" && QFileInfo(info.absolutePath()).fileName() == u"Trestle")
+        return QDir(QFileInfo(info.absolutePath()).absolutePath()).filePath(u"Trestle Server Snapshots"_s);
+    return QDir(info.absolutePath()).filePath(u"Trestle Snapshots"_s);
 }
 
 QList<Info> list(const QString &dataFolder)

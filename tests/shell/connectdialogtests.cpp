@@ -1,6 +1,7 @@
 // File ▸ Connect to Company Server… against a real server started for the test.
 #include "server/serverfixture.h"
 #include "shell/connectdialog.h"
+#include "shell/serverbar.h"
 #include "store/server/serverlink.h"
 #include "testmain.h"
 
@@ -68,6 +69,44 @@ private Q_SLOTS:
         QString error;
         QVERIFY(ServerLink::disconnect(&error));
         QVERIFY(!ServerLink::isConnected());
+    }
+
+    void noticeBarPutsMyValueBack()
+    {
+        Seat ann, ben;
+        QVERIFY(m_server.openSeat(ann, u"ann"_s));
+        QVERIFY(m_server.openSeat(ben, u"ben"_s));
+        ServerBar bar(*ben.db, ben.sync.get());
+        QVERIFY(bar.isHidden());
+        const Rec co = ben.db->add(u"co"_s, m_server.projectId, QString(),
+                                   {{u"title"_s, u"Extra footing"_s}, {u"amount"_s, u"125000"_s}});
+        QTRY_VERIFY_WITH_TIMEOUT(ann.db->find(co.id), 8000);
+        // Ann works offline for a moment, so both change the same amount.
+        ann.sync->setPassword(u"wrong"_s);
+        QTRY_VERIFY_WITH_TIMEOUT(ann.sync->state() == ServerSync::State::Offline, 5000);
+        Rec b = *ben.db->get(co.id);
+        b.f.insert(u"title"_s, u"Extra footing, grid 4"_s);
+        ben.db->save(b);
+        QTRY_COMPARE_WITH_TIMEOUT(ben.sync->waiting(), 0, 5000);
+        Rec a = *ann.db->get(co.id);
+        a.f.insert(u"title"_s, u"Deeper footing"_s);
+        ann.db->save(a);
+        ann.sync->setPassword(u"pw-ann"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(bar.texts().size(), 1, 10000);
+        QVERIFY(!bar.isHidden());
+        const QString text = bar.texts().first();
+        QVERIFY2(text.startsWith(u"Your Title on "_s), qPrintable(text));
+        QVERIFY2(text.contains(
+                     u"(Extra footing, grid 4) was replaced by Deeper footing: changed by Ann Ortiz at "_s),
+                 qPrintable(text));
+        QAbstractButton *putBack = nullptr;
+        for (QAbstractButton *button : bar.findChildren<QAbstractButton *>())
+            if (button->text() == u"Put Mine Back")
+                putBack = button;
+        QVERIFY(putBack);
+        QTest::mouseClick(putBack, Qt::LeftButton);
+        QTRY_VERIFY_WITH_TIMEOUT(bar.texts().isEmpty(), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(ann.db->find(co.id)->f.value(u"title"), u"Extra footing, grid 4"_s, 8000);
     }
 
     void cleanupTestCase() { m_server.cluster.stop(); }

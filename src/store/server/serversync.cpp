@@ -242,6 +242,14 @@ void ServerSync::onFetched(const QList<ServerRow> &rows, qint64 newPos, bool mor
     }
     if (!m_caughtUp) {
         m_caughtUp = true;
+        // The seat works as the person the login is.
+        const Rec *me = m_db.find(memberId());
+        if (me && me->kind == u"user") {
+            if (m_db.companyID() != me->company)
+                m_db.setCompanyID(me->company);
+            if (m_db.userID() != me->id)
+                m_db.setUserID(me->id);
+        }
         m_files->scan();
         Q_EMIT stateChanged();
     }
