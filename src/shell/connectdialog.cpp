@@ -166,7 +166,9 @@ void ConnectDialog::finished(bool ok, const QString &serverId, const QString &er
         if (!Keyring::keep(conninfo(), m_password->text(), &keyringProblem))
             QMessageBox::information(this, u"The password was not kept"_s,
                                      u"The keyring could not keep the password ("_s + keyringProblem +
-                                         u"). Trestle will ask for it, or put it in ~/.pgpass."_s);
+                                         u"). When Trestle has started again, give it with Enter Password… "
+                                         u"in the bar under the header, "
+                                         u"or keep it in ~/.pgpass."_s);
     }
     Q_EMIT connected();
     accept();

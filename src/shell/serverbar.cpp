@@ -7,9 +7,13 @@
 #include "look/buttons.h"
 #include "look/fwui.h"
 #include "store/db.h"
+#include "store/server/pg.h"
+#include "store/server/serverlink.h"
 #include "store/server/serversync.h"
 
 #include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QInputDialog>
+#include <QtWidgets/QLineEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -115,9 +119,26 @@ void ServerBar::rebuild()
     }
     bool any = false;
     const qsizetype waiting = m_sync->waiting();
-    if (m_sync->state() == ServerSync::State::Offline && waiting > 0) {
-        auto *offline = new Notice(offlineText(waiting), Notice::orange(), u"wifi.slash"_s, this);
-        offline->setToolTip(m_sync->problem());
+    if (m_sync->state() == ServerSync::State::Offline) {
+        // Why the seat is offline is said in words, and a refused password can be given again here.
+        QString problem = m_sync->problem();
+        if (!problem.isEmpty())
+            problem[0] = problem[0].toUpper();
+        const QString text = waiting > 0 ? offlineText(waiting) + u". "_s + problem + u'.' : problem + u'.';
+        auto *offline = new Notice(text, Notice::orange(), u"wifi.slash"_s, this);
+        if (ServerLink::loginRefused(m_sync->problem())) {
+            auto *signIn = new FWChromeButton(u"Enter Password…"_s, {}, offline);
+            offline->layout()->addWidget(signIn);
+            connect(signIn, &QAbstractButton::clicked, this, [this] {
+                bool ok = false;
+                const QString password =
+                    QInputDialog::getText(this, u"Company Server Password"_s,
+                                          u"Password for "_s + Pg::describe(m_sync->conninfo()) + u':',
+                                          QLineEdit::Password, QString(), &ok);
+                if (ok && !password.isEmpty())
+                    m_sync->setPassword(password);
+            });
+        }
         m_box->addWidget(offline);
         any = true;
     }

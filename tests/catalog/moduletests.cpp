@@ -155,7 +155,8 @@ private Q_SLOTS:
         QCOMPARE(Modules::ofKind(kind), lines ? nullptr : m);
         // A line kind that were also a module's kind would have two sets of fields.
         for (const ModuleDef &other : Modules::all())
-            QVERIFY2(!other.lineKind || !Modules::ofKind(*other.lineKind), qPrintable(*other.lineKind));
+            QVERIFY2(!other.lineKind || !Modules::ofKind(*other.lineKind),
+                     qPrintable(other.lineKind.value_or(QString())));
     }
 
     void referenceTargets()
