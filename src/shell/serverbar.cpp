@@ -124,7 +124,9 @@ void ServerBar::rebuild()
         QString problem = m_sync->problem();
         if (!problem.isEmpty())
             problem[0] = problem[0].toUpper();
-        const QString text = waiting > 0 ? offlineText(waiting) + u". "_s + problem + u'.' : problem + u'.';
+        QString text = problem + u'.';
+        if (waiting > 0)
+            text = offlineText(waiting) + u". "_s + text;
         auto *offline = new Notice(text, Notice::orange(), u"wifi.slash"_s, this);
         if (ServerLink::loginRefused(m_sync->problem())) {
             auto *signIn = new FWChromeButton(u"Enter Password…"_s, {}, offline);
