@@ -1,6 +1,6 @@
 // The company server from the command line: set one up, push this folder's
 // companies to it, make logins, and connect this folder to it or back.
-#include "catalog/modules.h"
+#include "catalog/serverrules.h"
 #include "store/db.h"
 #include "store/server/pg.h"
 #include "store/server/seatcache.h"
@@ -34,11 +34,7 @@ int usage(QTextStream &err, const QString &verb)
 // The server's definitions follow the module table.
 ServerCatalog catalog()
 {
-    ServerCatalog c;
-    for (const ModuleDef &m : Modules::all())
-        if (m.numbered && !m.kind.isEmpty() && !c.numberedKinds.contains(m.kind))
-            c.numberedKinds.append(m.kind);
-    return c;
+    return ServerRules::fromCatalog();
 }
 
 // Connects, asking for the password on the terminal when libpq's own sources give none that works.
@@ -67,6 +63,7 @@ int serverInit(const QString &conninfo, QTextStream &out, QTextStream &err)
     QString message;
     switch (ServerSchema::init(admin, catalog(), &message)) {
     case ServerSchema::Init::Created:
+    case ServerSchema::Init::Upgraded:
     case ServerSchema::Init::AlreadySetUp: out << Pg::describe(conninfo) << ": " << message << '\n'; return 0;
     case ServerSchema::Init::Refused:
     case ServerSchema::Init::Failed: break;

@@ -50,7 +50,7 @@ private Q_SLOTS:
         QVERIFY(!ServerSchema::check(conn, nullptr, &error));
         QVERIFY(error.contains(u"newer"_s));
         QCOMPARE(m_cluster.psql(u"fresh"_s, u"postgres"_s,
-                                u"UPDATE trestle.meta SET value = '1' WHERE key = 'schema_version'"_s, &out),
+                                u"UPDATE trestle.meta SET value = '2' WHERE key = 'schema_version'"_s, &out),
                  0);
         Pg::Conn plain;
         QVERIFY(plain.open(admin(u"postgres"_s), QString(), &error));

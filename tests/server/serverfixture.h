@@ -1,6 +1,7 @@
 #pragma once
 // A company server for a test class: one real cluster, one database set up by
 // Trestle with one pushed company, and seats that work on it.
+#include "catalog/serverrules.h"
 #include "pgcluster.h"
 #include "store/db.h"
 #include "store/server/pg.h"
@@ -75,12 +76,7 @@ struct ServerFixture
                ServerAdmin::addLogin(admin, QStringLiteral("ben"), benId, QStringLiteral("pw-ben"), error);
     }
 
-    static ServerCatalog catalog()
-    {
-        ServerCatalog c;
-        c.numberedKinds = {QStringLiteral("pay_app"), QStringLiteral("co"), QStringLiteral("rfi")};
-        return c;
-    }
+    static ServerCatalog catalog() { return ServerRules::fromCatalog(); }
 
     QString seatInfo(const QString &login) const { return cluster.conninfo(dbName, login); }
 

@@ -92,7 +92,9 @@ bool push(Pg::Conn &admin, const DB &db, QString *summary, QString *error)
         *error = why;
         return false;
     };
-    if (!admin.exec("BEGIN").ok() || !admin.exec("SELECT pg_advisory_xact_lock(2063514631)").ok())
+    // The first copy is not a change anybody made: no history lines and no wake-ups for it.
+    if (!admin.exec("BEGIN").ok() || !admin.exec("SELECT pg_advisory_xact_lock(2063514631)").ok() ||
+        !admin.exec("SET LOCAL session_replication_role = replica").ok())
         return fail(admin.lastError());
     QList<const Rec *> all;
     db.forEach([&](const Rec &r) {

@@ -9,6 +9,8 @@ namespace ServerSchemaSQL {
 extern const char kRoles[];
 extern const char kDefinitions[];
 extern const char kGrants[];
+extern const char kRoles2[];
+extern const char kUpgrade2[];
 } // namespace ServerSchemaSQL
 
 namespace ServerSchema {
@@ -41,59 +43,125 @@ bool hasTrestle(Pg::Conn &conn, int *version)
 }
 } // namespace
 
+namespace {
+// A text array literal for one parameter; every element quoted.
+QByteArray textArray(const QStringList &items)
+{
+    QStringList quoted;
+    for (QString item : items) {
+        item.replace(u'\\', u"\\\\"_s);
+        item.replace(u'"', u"\\\""_s);
+        quoted.append(u'"' + item + u'"');
+    }
+    return (u'{' + quoted.join(u',') + u'}').toUtf8();
+}
+
+// Makes the rules read from the module table again, inside the caller's transaction.
+bool refreshRules(Pg::Conn &admin, const ServerCatalog &catalog, QString *error)
+{
+    auto run = [&](const char *sql, const Pg::Params &params = {}) {
+        const Pg::Result r = admin.exec(sql, params);
+        if (!r.ok() && error)
+            *error = r.error();
+        return r.ok();
+    };
+    bool ok = run("DELETE FROM trestle.numbered") && run("DELETE FROM trestle.roles") &&
+              run("DELETE FROM trestle.role_read") && run("DELETE FROM trestle.role_write") &&
+              run("DELETE FROM trestle.role_write_denied") && run("DELETE FROM trestle.role_fields");
+    ok = ok && run("INSERT INTO trestle.numbered (kind) SELECT unnest($1::text[])",
+                   {textArray(catalog.numberedKinds)});
+    for (const ServerCatalog::Role &role : catalog.roles) {
+        const QByteArray name = role.name.toUtf8();
+        ok = ok &&
+             run("INSERT INTO trestle.roles (role, grp, restricted, hide_money) VALUES ($1, $2, $3, $4)",
+                 {name, role.group.toUtf8(), role.restricted ? "true" : "false",
+                  role.hideMoney ? "true" : "false"}) &&
+             run("INSERT INTO trestle.role_read SELECT $1, unnest($2::text[])",
+                 {name, textArray(role.readKinds)}) &&
+             run("INSERT INTO trestle.role_write SELECT $1, unnest($2::text[])",
+                 {name, textArray(role.writeKinds)}) &&
+             run("INSERT INTO trestle.role_write_denied SELECT $1, unnest($2::text[])",
+                 {name, textArray(role.deniedKinds)});
+        for (auto it = role.fields.cbegin(); ok && it != role.fields.cend(); ++it)
+            ok = run("INSERT INTO trestle.role_fields SELECT $1, $2, unnest($3::text[])",
+                     {name, it.key().toUtf8(), textArray(it.value())});
+    }
+    // Each login is in the group of its member's role, as the rules now say.
+    ok = ok &&
+         run("SELECT trestle.sync_login_groups(m) FROM (SELECT DISTINCT member AS m FROM trestle.logins) x");
+    return ok;
+}
+} // namespace
+
 Init init(Pg::Conn &admin, const ServerCatalog &catalog, QString *message)
 {
     auto say = [&](const QString &text) {
         if (message)
             *message = text;
     };
-    int version = 0;
-    if (hasTrestle(admin, &version)) {
-        if (version > kVersion) {
-            say(u"the database was set up by a newer Trestle (version "_s + QString::number(version) +
-                u"); this one understands version "_s + QString::number(kVersion));
-            return Init::Refused;
-        }
-        say(u"the database is already set up for Trestle"_s);
-        return Init::AlreadySetUp;
-    }
-    const int foreign = foreignObjects(admin);
-    if (foreign != 0) {
-        say(foreign < 0
-                ? u"the database could not be examined: "_s + admin.lastError()
-                : u"the database already holds tables or functions of its own; Trestle is set up only "
-                  u"in an empty database"_s);
-        return foreign < 0 ? Init::Failed : Init::Refused;
-    }
-    auto failed = [&](const Pg::Result &r) {
+    auto failed = [&](const QString &why) {
         admin.exec("ROLLBACK");
-        say(u"the database could not be set up: "_s + r.error());
+        say(u"the database could not be set up: "_s + why);
         return Init::Failed;
     };
+    int version = 0;
+    const bool existing = hasTrestle(admin, &version);
+    if (existing && version > kVersion) {
+        say(u"the database was set up by a newer Trestle (version "_s + QString::number(version) +
+            u"); this one understands version "_s + QString::number(kVersion));
+        return Init::Refused;
+    }
+    if (!existing) {
+        const int foreign = foreignObjects(admin);
+        if (foreign != 0) {
+            say(foreign < 0 ? u"the database could not be examined: "_s + admin.lastError()
+                            : u"the database already holds tables or functions of its own; Trestle is set up "
+                              u"only in an empty database"_s);
+            return foreign < 0 ? Init::Failed : Init::Refused;
+        }
+    }
     // Roles are shared by every database of the server, so they are made apart
     // from the rest and only when missing.
     if (const Pg::Result r = admin.script(ServerSchemaSQL::kRoles); !r.ok())
-        return failed(r);
+        return failed(r.error());
     if (const Pg::Result r = admin.exec("BEGIN"); !r.ok())
-        return failed(r);
-    for (const char *sql : {ServerSchemaSQL::kDefinitions, ServerSchemaSQL::kGrants})
-        if (const Pg::Result r = admin.script(sql); !r.ok())
-            return failed(r);
-    const Pg::Params meta[] = {{"schema_version", QByteArray::number(kVersion)},
-                               {"server_id", newID().toUtf8()}};
-    for (const Pg::Params &p : meta)
-        if (const Pg::Result r = admin.exec("INSERT INTO trestle.meta (key, value) VALUES ($1, $2)", p);
+        return failed(r.error());
+    QStringList steps;
+    if (!existing) {
+        steps = {QString::fromUtf8(ServerSchemaSQL::kDefinitions),
+                 QString::fromUtf8(ServerSchemaSQL::kGrants)};
+        version = 1;
+    }
+    if (version < 2)
+        steps += {QString::fromUtf8(ServerSchemaSQL::kRoles2), QString::fromUtf8(ServerSchemaSQL::kUpgrade2)};
+    for (const QString &sql : std::as_const(steps))
+        if (const Pg::Result r = admin.script(sql.toUtf8().constData()); !r.ok())
+            return failed(r.error());
+    if (!existing)
+        if (const Pg::Result r = admin.exec("INSERT INTO trestle.meta (key, value) VALUES ('server_id', $1)",
+                                            {newID().toUtf8()});
             !r.ok())
-            return failed(r);
-    for (const QString &kind : catalog.numberedKinds)
-        if (const Pg::Result r =
-                admin.exec("INSERT INTO trestle.numbered (kind) VALUES ($1)", {kind.toUtf8()});
-            !r.ok())
-            return failed(r);
+            return failed(r.error());
+    if (const Pg::Result r = admin.exec("INSERT INTO trestle.meta (key, value) VALUES ('schema_version', $1) "
+                                        "ON CONFLICT (key) DO UPDATE SET value = excluded.value",
+                                        {QByteArray::number(kVersion)});
+        !r.ok())
+        return failed(r.error());
+    QString why;
+    if (!refreshRules(admin, catalog, &why))
+        return failed(why);
     if (const Pg::Result r = admin.exec("COMMIT"); !r.ok())
-        return failed(r);
-    say(u"the database is set up for Trestle"_s);
-    return Init::Created;
+        return failed(r.error());
+    if (!existing) {
+        say(u"the database is set up for Trestle"_s);
+        return Init::Created;
+    }
+    if (!steps.isEmpty()) {
+        say(u"the database is brought up to this version of Trestle"_s);
+        return Init::Upgraded;
+    }
+    say(u"the database is already set up for Trestle; the rules of each role were made again"_s);
+    return Init::AlreadySetUp;
 }
 
 bool check(Pg::Conn &conn, QString *serverId, QString *error)

@@ -1,0 +1,343 @@
+// The second version of the server's definitions: roles the server enforces
+// and the history of every change. Applied on top of the first, in the same
+// transaction as any refresh of the rules read from the module table.
+namespace ServerSchemaSQL {
+
+extern const char kRoles2[];
+extern const char kUpgrade2[];
+
+// One group role per role of the team, none of which can log in. The owner
+// of the tables may hand them to logins (when an owner changes a member's role).
+const char kRoles2[] = R"SQL(
+DO $$
+DECLARE
+  g text;
+BEGIN
+  FOREACH g IN ARRAY ARRAY['trestle_role_owner', 'trestle_role_project_manager', 'trestle_role_accounting',
+                           'trestle_role_field', 'trestle_role_subcontractor'] LOOP
+    IF NOT EXISTS (SELECT 1 FROM pg_roles WHERE rolname = g) THEN
+      EXECUTE format('CREATE ROLE %I NOLOGIN', g);
+    END IF;
+    EXECUTE format('GRANT trestle_member TO %I', g);
+    EXECUTE format('GRANT %I TO trestle_owner WITH ADMIN OPTION', g);
+  END LOOP;
+END
+$$;
+)SQL";
+
+const char kUpgrade2[] = R"SQL(
+SET ROLE trestle_owner;
+
+-- What each role of the team may read and change, refreshed from the module
+-- table whenever the server is set up or upgraded.
+CREATE TABLE trestle.roles (role text PRIMARY KEY, grp text NOT NULL, restricted boolean NOT NULL,
+                            hide_money boolean NOT NULL);
+CREATE TABLE trestle.role_read (role text NOT NULL, kind text NOT NULL, PRIMARY KEY (role, kind));
+CREATE TABLE trestle.role_write (role text NOT NULL, kind text NOT NULL, PRIMARY KEY (role, kind));
+CREATE TABLE trestle.role_write_denied (role text NOT NULL, kind text NOT NULL, PRIMARY KEY (role, kind));
+CREATE TABLE trestle.role_fields (role text NOT NULL, kind text NOT NULL, field text NOT NULL,
+                                  PRIMARY KEY (role, kind, field));
+
+-- Every change of every field, by the server's clock and the login that made it. Append only:
+-- no login can change or remove a line; only the owner of the tables could.
+CREATE TABLE trestle.history (
+  id bigserial PRIMARY KEY,
+  at timestamptz NOT NULL DEFAULT now(),
+  login text NOT NULL DEFAULT session_user,
+  rec text NOT NULL,
+  kind text NOT NULL,
+  field text NOT NULL,
+  old_value text,
+  new_value text
+);
+CREATE INDEX history_rec ON trestle.history (rec, id);
+
+CREATE FUNCTION trestle.record_history() RETURNS trigger LANGUAGE plpgsql AS $$
+DECLARE
+  old_f jsonb := '{}';
+  new_f jsonb := CASE WHEN NEW.deleted THEN '{}'::jsonb ELSE NEW.f END;
+BEGIN
+  IF TG_OP = 'UPDATE' AND NOT OLD.deleted THEN
+    old_f := OLD.f || jsonb_build_object('project', OLD.project, 'parent', OLD.parent);
+  END IF;
+  IF NOT NEW.deleted THEN
+    new_f := new_f || jsonb_build_object('project', NEW.project, 'parent', NEW.parent);
+  END IF;
+  INSERT INTO trestle.history (rec, kind, field, old_value, new_value)
+  SELECT NEW.id, NEW.kind, k.key, old_f->>k.key, new_f->>k.key
+  FROM (SELECT jsonb_object_keys(old_f) AS key UNION SELECT jsonb_object_keys(new_f)) k
+  WHERE (old_f->k.key) IS DISTINCT FROM (new_f->k.key)
+    AND NOT (coalesce(old_f->>k.key, '') = '' AND coalesce(new_f->>k.key, '') = '' AND k.key IN ('project', 'parent'))
+  ORDER BY k.key;
+  RETURN NULL;
+END $$;
+CREATE TRIGGER recs_history AFTER INSERT OR UPDATE ON trestle.recs FOR EACH ROW
+  EXECUTE FUNCTION trestle.record_history();
+
+-- The role of the person behind this connection, read at every request, so
+-- a changed role or a disabled login counts at once. The administrator who
+-- set the server up counts as an owner.
+CREATE FUNCTION trestle.my_role() RETURNS text LANGUAGE sql STABLE AS $$
+  SELECT CASE
+    WHEN (SELECT r.rolsuper FROM pg_roles r WHERE r.rolname = session_user) THEN 'Owner'
+    ELSE (SELECT coalesce(m.f->>'role', '') FROM trestle.logins l
+          JOIN trestle.recs m ON m.id = l.member AND NOT m.deleted
+          WHERE l.login = session_user AND NOT l.disabled)
+  END
+$$;
+
+CREATE FUNCTION trestle.require_login() RETURNS text LANGUAGE plpgsql STABLE AS $$
+DECLARE
+  r text := trestle.my_role();
+BEGIN
+  IF r IS NULL THEN
+    RAISE EXCEPTION 'the login % is disabled, or is no longer a member of the team', session_user
+      USING ERRCODE = '28000';
+  END IF;
+  RETURN r;
+END $$;
+
+-- A role the table does not know acts as a project manager, as in the window.
+CREATE FUNCTION trestle.rule_role(p_role text) RETURNS text LANGUAGE sql STABLE AS $$
+  SELECT CASE WHEN EXISTS (SELECT 1 FROM trestle.roles x WHERE x.role = p_role) THEN p_role
+              ELSE 'Project Manager' END
+$$;
+
+CREATE FUNCTION trestle.can_read(p_role text, p_kind text) RETURNS boolean LANGUAGE sql STABLE AS $$
+  SELECT NOT coalesce((SELECT x.restricted FROM trestle.roles x WHERE x.role = trestle.rule_role(p_role)), false)
+         OR EXISTS (SELECT 1 FROM trestle.role_read x WHERE x.role = trestle.rule_role(p_role) AND x.kind = p_kind)
+$$;
+
+CREATE FUNCTION trestle.can_write(p_role text, p_kind text) RETURNS boolean LANGUAGE sql STABLE AS $$
+  SELECT CASE WHEN coalesce((SELECT x.restricted FROM trestle.roles x WHERE x.role = trestle.rule_role(p_role)), false)
+    THEN EXISTS (SELECT 1 FROM trestle.role_write x WHERE x.role = trestle.rule_role(p_role) AND x.kind = p_kind)
+    ELSE NOT EXISTS (SELECT 1 FROM trestle.role_write_denied x
+                     WHERE x.role = trestle.rule_role(p_role) AND x.kind = p_kind)
+  END
+$$;
+
+-- The fields of a record a role may see: for a role that sees no money, only
+-- the fields the module table names for the kind, less the money ones.
+CREATE FUNCTION trestle.visible_f(p_role text, p_kind text, p_f jsonb) RETURNS jsonb LANGUAGE sql STABLE AS $$
+  SELECT CASE WHEN NOT coalesce((SELECT x.hide_money FROM trestle.roles x WHERE x.role = trestle.rule_role(p_role)),
+                                false) THEN p_f
+    ELSE coalesce((SELECT jsonb_object_agg(e.key, e.value) FROM jsonb_each(p_f) e
+                   WHERE EXISTS (SELECT 1 FROM trestle.role_fields x WHERE x.role = trestle.rule_role(p_role)
+                                   AND x.kind = p_kind AND x.field = e.key)), '{}'::jsonb)
+  END
+$$;
+
+CREATE FUNCTION trestle.hidden_f(p_role text, p_kind text, p_f jsonb) RETURNS jsonb LANGUAGE sql STABLE AS $$
+  SELECT coalesce((SELECT jsonb_object_agg(e.key, e.value) FROM jsonb_each(p_f) e
+                   WHERE NOT (trestle.visible_f(p_role, p_kind, jsonb_build_object(e.key, e.value)) ? e.key)),
+                  '{}'::jsonb)
+$$;
+
+CREATE FUNCTION trestle.rec_json_for(p_role text, r trestle.recs) RETURNS text LANGUAGE sql STABLE AS $$
+  SELECT json_build_object('id', r.id, 'kind', r.kind, 'company', r.company, 'project', r.project,
+                           'parent', r.parent, 'created', r.created, 'updated', r.updated,
+                           'f', trestle.visible_f(p_role, r.kind, r.f))::text
+$$;
+
+-- Puts a member's logins in the group of the member's role.
+CREATE FUNCTION trestle.sync_login_groups(p_member text) RETURNS void LANGUAGE plpgsql AS $$
+DECLARE
+  l text;
+  g text;
+  want text := (SELECT x.grp FROM trestle.roles x
+                WHERE x.role = trestle.rule_role((SELECT m.f->>'role' FROM trestle.recs m WHERE m.id = p_member)));
+BEGIN
+  FOR l IN SELECT x.login FROM trestle.logins x WHERE x.member = p_member LOOP
+    FOR g IN SELECT x.grp FROM trestle.roles x LOOP
+      IF g <> want AND pg_has_role(l, g, 'MEMBER') THEN
+        EXECUTE format('REVOKE %I FROM %I', g, l);
+      END IF;
+    END LOOP;
+    IF want IS NOT NULL AND NOT pg_has_role(l, want, 'MEMBER') THEN
+      EXECUTE format('GRANT %I TO %I', want, l);
+    END IF;
+  END LOOP;
+END $$;
+
+DROP FUNCTION trestle.changes_since(bigint, integer);
+CREATE FUNCTION trestle.changes_since(p_pos bigint, p_limit integer)
+RETURNS TABLE (rec text, version bigint, pos bigint, deleted boolean, changed_by text, changed_at timestamptz)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+DECLARE
+  me text := trestle.require_login();
+  rr text := trestle.rule_role(me);
+  limited boolean := coalesce((SELECT x.restricted FROM trestle.roles x WHERE x.role = rr), false);
+  hide boolean := coalesce((SELECT x.hide_money FROM trestle.roles x WHERE x.role = rr), false);
+BEGIN
+  RETURN QUERY
+  SELECT CASE WHEN hide THEN trestle.rec_json_for(me, r) ELSE trestle.rec_json(r) END, r.version, r.pos,
+         r.deleted, r.changed_by, r.changed_at
+  FROM trestle.recs r
+  WHERE r.pos > p_pos AND (NOT limited OR r.kind IN (SELECT x.kind FROM trestle.role_read x WHERE x.role = rr))
+  ORDER BY r.pos LIMIT p_limit;
+END $$;
+
+DROP FUNCTION trestle.rec(text);
+CREATE FUNCTION trestle.rec(p_id text)
+RETURNS TABLE (rec text, version bigint, pos bigint, deleted boolean, changed_by text, changed_at timestamptz)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+DECLARE
+  me text := trestle.require_login();
+BEGIN
+  RETURN QUERY
+  SELECT trestle.rec_json_for(me, r), r.version, r.pos, r.deleted, r.changed_by, r.changed_at
+  FROM trestle.recs r WHERE r.id = p_id AND trestle.can_read(me, r.kind);
+END $$;
+
+DROP FUNCTION trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean);
+CREATE FUNCTION trestle.put_rec(p_id text, p_base bigint, p_company text, p_kind text, p_project text,
+                                p_parent text, p_created double precision, p_updated double precision,
+                                p_f jsonb, p_force boolean)
+RETURNS TABLE (status text, rec text, version bigint, pos bigint, deleted boolean, changed_by text,
+               changed_at timestamptz)
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+DECLARE
+  me text := trestle.require_login();
+  cur trestle.recs;
+  had boolean;
+  st text := 'ok';
+  nf jsonb;
+  next_number bigint;
+  newpos bigint;
+BEGIN
+  IF p_id IS NULL OR p_id = '' OR p_kind IS NULL OR p_kind = '' OR jsonb_typeof(p_f) <> 'object' THEN
+    RAISE EXCEPTION 'not a record' USING ERRCODE = '22023';
+  END IF;
+  newpos := trestle.take_position();
+  SELECT * INTO cur FROM trestle.recs r WHERE r.id = p_id FOR UPDATE;
+  had := FOUND;
+  IF NOT trestle.can_write(me, p_kind) OR (had AND NOT trestle.can_write(me, cur.kind)) THEN
+    RAISE EXCEPTION 'the % role may not change records of the kind %', me, p_kind USING ERRCODE = '42501';
+  END IF;
+  -- Fields the role cannot see are kept as the server has them, whatever the seat sent.
+  nf := trestle.visible_f(me, p_kind, p_f);
+  IF had THEN
+    nf := nf || trestle.hidden_f(me, p_kind, cur.f);
+  END IF;
+  IF had AND cur.version <> p_base AND NOT p_force THEN
+    RETURN QUERY SELECT 'conflict'::text, trestle.rec_json_for(me, cur), cur.version, cur.pos, cur.deleted,
+                        cur.changed_by, cur.changed_at;
+    RETURN;
+  END IF;
+  IF EXISTS (SELECT 1 FROM trestle.numbered n WHERE n.kind = p_kind) AND nf ? 'number'
+     AND (NOT had OR cur.deleted OR cur.f->>'number' IS DISTINCT FROM nf->>'number')
+     AND EXISTS (SELECT 1 FROM trestle.recs o
+                 WHERE o.company = p_company AND o.kind = p_kind AND o.project = p_project AND NOT o.deleted
+                   AND o.id <> p_id AND o.f->>'number' = nf->>'number') THEN
+    SELECT coalesce(max((o.f->>'number')::bigint), 0) + 1 INTO next_number FROM trestle.recs o
+    WHERE o.company = p_company AND o.kind = p_kind AND o.project = p_project AND NOT o.deleted
+      AND o.f->>'number' ~ '^[0-9]{1,17}$';
+    nf := jsonb_set(nf, '{number}', to_jsonb(next_number::text));
+    st := 'renumbered';
+  END IF;
+  INSERT INTO trestle.recs AS r (id, company, kind, project, parent, created, updated, f, version, pos, deleted,
+                                 changed_by, changed_at)
+  VALUES (p_id, p_company, p_kind, coalesce(p_project, ''), coalesce(p_parent, ''), p_created, p_updated, nf,
+          coalesce(cur.version, 0) + 1, newpos, false, session_user, now())
+  ON CONFLICT (id) DO UPDATE SET company = excluded.company, kind = excluded.kind, project = excluded.project,
+    parent = excluded.parent, created = excluded.created, updated = excluded.updated, f = excluded.f,
+    version = r.version + 1, pos = excluded.pos, deleted = false, changed_by = excluded.changed_by,
+    changed_at = excluded.changed_at;
+  IF p_kind = 'user' AND (NOT had OR cur.f->>'role' IS DISTINCT FROM nf->>'role') THEN
+    PERFORM trestle.sync_login_groups(p_id);
+  END IF;
+  RETURN QUERY SELECT st, trestle.rec_json_for(me, r), r.version, r.pos, r.deleted, r.changed_by, r.changed_at
+               FROM trestle.recs r WHERE r.id = p_id;
+END $$;
+
+DROP FUNCTION trestle.remove_rec(text, bigint, boolean);
+CREATE FUNCTION trestle.remove_rec(p_id text, p_base bigint, p_force boolean)
+RETURNS TABLE (status text, rec text, version bigint, pos bigint, deleted boolean, changed_by text,
+               changed_at timestamptz)
+LANGUAGE plpgsql SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+DECLARE
+  me text := trestle.require_login();
+  cur trestle.recs;
+  newpos bigint;
+BEGIN
+  newpos := trestle.take_position();
+  SELECT * INTO cur FROM trestle.recs r WHERE r.id = p_id FOR UPDATE;
+  IF NOT FOUND THEN
+    RETURN QUERY SELECT 'ok'::text, NULL::text, 0::bigint, 0::bigint, true, session_user::text, now();
+    RETURN;
+  END IF;
+  IF NOT trestle.can_write(me, cur.kind) THEN
+    RAISE EXCEPTION 'the % role may not remove records of the kind %', me, cur.kind USING ERRCODE = '42501';
+  END IF;
+  IF cur.deleted OR (cur.version <> p_base AND NOT p_force) THEN
+    RETURN QUERY SELECT CASE WHEN cur.deleted THEN 'ok' ELSE 'conflict' END, trestle.rec_json_for(me, cur),
+                        cur.version, cur.pos, cur.deleted, cur.changed_by, cur.changed_at;
+    RETURN;
+  END IF;
+  UPDATE trestle.recs r SET deleted = true, version = r.version + 1, pos = newpos, changed_by = session_user,
+    changed_at = now() WHERE r.id = p_id;
+  RETURN QUERY SELECT 'ok'::text, trestle.rec_json_for(me, r), r.version, r.pos, r.deleted, r.changed_by,
+                      r.changed_at FROM trestle.recs r WHERE r.id = p_id;
+END $$;
+
+-- The history of one record as the role may see it, oldest first.
+CREATE FUNCTION trestle.history_of(p_rec text)
+RETURNS TABLE (at timestamptz, login text, field text, old_value text, new_value text)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+DECLARE
+  me text := trestle.require_login();
+  k text := (SELECT r.kind FROM trestle.recs r WHERE r.id = p_rec);
+BEGIN
+  IF k IS NULL OR NOT trestle.can_read(me, k) THEN
+    RETURN;
+  END IF;
+  RETURN QUERY
+  SELECT h.at, h.login, h.field, h.old_value, h.new_value FROM trestle.history h
+  WHERE h.rec = p_rec
+    AND (h.field IN ('project', 'parent') OR trestle.visible_f(me, k, jsonb_build_object(h.field, '')) ? h.field)
+  ORDER BY h.id;
+END $$;
+
+-- The requests that read or write anything first ask who is asking.
+CREATE OR REPLACE FUNCTION trestle.notices_since(p_id bigint)
+RETURNS TABLE (id bigint, rec text, field text, replaced text, kept text, by_login text, at timestamptz)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+BEGIN
+  PERFORM trestle.require_login();
+  RETURN QUERY SELECT n.id, n.rec, n.field, n.replaced, n.kept, n.by_login, n.at FROM trestle.notices n
+  WHERE n.for_login = session_user AND n.id > p_id ORDER BY n.id;
+END $$;
+
+DROP FUNCTION trestle.whoami();
+CREATE FUNCTION trestle.whoami(OUT login text, OUT company text, OUT member text, OUT role text)
+LANGUAGE sql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+  SELECT session_user::text, l.company, l.member, trestle.my_role() FROM trestle.logins l
+  WHERE l.login = session_user
+$$;
+
+CREATE OR REPLACE FUNCTION trestle.get_blob(p_sha text) RETURNS bytea
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+BEGIN
+  PERFORM trestle.require_login();
+  RETURN (SELECT b.data FROM trestle.blobs b WHERE b.sha256 = p_sha);
+END $$;
+
+CREATE OR REPLACE FUNCTION trestle.files_since(p_pos bigint)
+RETURNS TABLE (company text, name text, sha256 text, pos bigint)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+BEGIN
+  PERFORM trestle.require_login();
+  RETURN QUERY SELECT x.company, x.name, x.sha256, x.pos FROM trestle.files x WHERE x.pos > p_pos ORDER BY x.pos;
+END $$;
+
+RESET ROLE;
+
+REVOKE ALL ON ALL TABLES IN SCHEMA trestle FROM PUBLIC;
+REVOKE ALL ON ALL FUNCTIONS IN SCHEMA trestle FROM PUBLIC;
+GRANT EXECUTE ON FUNCTION trestle.changes_since(bigint, integer), trestle.rec(text),
+  trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean),
+  trestle.remove_rec(text, bigint, boolean), trestle.history_of(text), trestle.notices_since(bigint),
+  trestle.whoami() TO trestle_member;
+)SQL";
+
+} // namespace ServerSchemaSQL
