@@ -85,8 +85,9 @@ ServerCatalog fromModules(const QList<ModuleDef> &modules)
         if (role.hideMoney)
             for (const QString &kind : std::as_const(role.readKinds)) {
                 QStringList keys = kStructural;
+                // Every percentage of the table is a term of money (retainage, markup, tax).
                 for (const FD &fd : fieldsOf.value(kind))
-                    if (fd.type.kind != FT::money)
+                    if (fd.type.kind != FT::money && fd.type.kind != FT::percent)
                         addUnique(keys, fd.key);
                 role.fields.insert(kind, keys);
             }

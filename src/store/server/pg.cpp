@@ -76,6 +76,11 @@ int Result::rows() const
     return m_res ? PQntuples(m_res.get()) : 0;
 }
 
+int Result::columns() const
+{
+    return m_res ? PQnfields(m_res.get()) : 0;
+}
+
 QString Result::text(int row, int col) const
 {
     return QString::fromUtf8(PQgetvalue(m_res.get(), row, col), PQgetlength(m_res.get(), row, col));

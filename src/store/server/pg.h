@@ -25,6 +25,7 @@ public:
     // The five-character SQLSTATE of a failure, empty otherwise.
     QByteArray state() const;
     int rows() const;
+    int columns() const;
     QString text(int row, int col) const;
     QByteArray bytes(int row, int col) const;
     qint64 number(int row, int col) const;

@@ -361,15 +361,17 @@ bool SeatCache::takeResults(const QList<SendResult> &results)
                      rebase(item.id, r.row.version, item.rec, now->notices.mid(item.notices.size()), false);
             }
             if (ok && !item.removed && r.row.rec.f != item.rec.f) {
-                // The server gave the record another number; the seat takes it.
+                // The server gave the record another number, or kept fields this seat's role cannot change.
                 ok = takeRow(r.row, item.rec);
-                SeatNotice n;
-                n.kind = SeatNotice::Renumbered;
-                n.recId = item.id;
-                n.field = u"number"_s;
-                n.mine = item.rec.f.value(u"number");
-                n.theirs = r.row.rec.f.value(u"number");
-                m_notices.append(n);
+                if (r.row.rec.f.value(u"number") != item.rec.f.value(u"number")) {
+                    SeatNotice n;
+                    n.kind = SeatNotice::Renumbered;
+                    n.recId = item.id;
+                    n.field = u"number"_s;
+                    n.mine = item.rec.f.value(u"number");
+                    n.theirs = r.row.rec.f.value(u"number");
+                    m_notices.append(n);
+                }
             }
             break;
         }

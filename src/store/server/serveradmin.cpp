@@ -208,14 +208,14 @@ bool addLogin(Pg::Conn &admin, const QString &login, const QString &memberId, co
         return fail(admin.lastError());
     if (const Pg::Result r = admin.exec(sql.toUtf8().constData()); !r.ok())
         return fail(r.error());
-    if (const Pg::Result r = admin.exec((u"GRANT trestle_member TO "_s + ident).toUtf8().constData());
+    if (const Pg::Result r =
+            admin.exec("INSERT INTO trestle.logins (login, company, member) VALUES ($1, $2, $3) "
+                       "ON CONFLICT (login) DO UPDATE SET disabled = false",
+                       {login.toUtf8(), company.toUtf8(), memberId.toUtf8()});
         !r.ok())
         return fail(r.error());
-    if (const Pg::Result r = admin.exec("INSERT INTO trestle.logins (login, company, member) VALUES ($1, $2, "
-                                        "$3) ON CONFLICT (login) DO UPDATE "
-                                        "SET disabled = false",
-                                        {login.toUtf8(), company.toUtf8(), memberId.toUtf8()});
-        !r.ok())
+    // The login gets what the group of its member's role is granted, and nothing of its own.
+    if (const Pg::Result r = admin.exec("SELECT trestle.sync_login_groups($1)", {memberId.toUtf8()}); !r.ok())
         return fail(r.error());
     if (!admin.exec("COMMIT").ok())
         return fail(admin.lastError());
