@@ -91,7 +91,21 @@ int main(int argc, char *argv[])
             << db->unsavedCount() << (db->unsavedCount() == 1 ? " change" : " changes") << " not written)\n";
         return 1;
     }
-    if (ServerSync *sync = ServerLink::sync(); sync && sync->waiting() > 0 && !sync->flush(15000)) {
+    // A change the server refused is undone here too; the verb did not do what it said.
+    if (ServerSync *sync = ServerLink::sync()) {
+        if (sync->waiting() > 0)
+            sync->flush(15000);
+        bool refused = false;
+        for (const SeatNotice &n : sync->notices())
+            if (n.kind == SeatNotice::Refused) {
+                err << "trestle: the company server refused the change to " << n.recId << ": " << n.message
+                    << '\n';
+                refused = true;
+            }
+        if (refused)
+            return 1;
+    }
+    if (ServerSync *sync = ServerLink::sync(); sync && sync->waiting() > 0) {
         const qsizetype n = sync->waiting();
         held << "Working offline — " << n << (n == 1 ? " change" : " changes")
              << " will be sent when the company server is back\n";

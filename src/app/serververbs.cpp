@@ -209,6 +209,51 @@ int disconnectVerb(const QStringList &args, QTextStream &out, QTextStream &err)
     return 0;
 }
 
+// A value on one tab-separated line: tabs and line ends written as \t and \n.
+QString oneLine(QString value)
+{
+    value.replace(u'\\', u"\\\\"_s);
+    value.replace(u'\t', u"\\t"_s);
+    value.replace(u'\n', u"\\n"_s);
+    value.replace(u'\r', u"\\r"_s);
+    return value;
+}
+
+int historyVerb(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (args.size() != 1 || args.first().startsWith(u"--"_s))
+        return usage(err, u"history"_s);
+    if (!ServerLink::isConnected())
+        return fail(err,
+                    u"the history of changes is kept by a company server; this data folder works on its own "
+                    u"records"_s);
+    const QString id = args.first();
+    Pg::Conn conn;
+    QString error;
+    if (!open(conn, ServerLink::conninfo(), nullptr, &error))
+        return fail(err, error);
+    if (!ServerSchema::check(conn, nullptr, &error))
+        return fail(err, error);
+    const Pg::Result seen = conn.exec("SELECT count(*) FROM trestle.rec($1)", {id.toUtf8()});
+    if (!seen.ok())
+        return fail(err, seen.error());
+    if (seen.text(0, 0) == u"0")
+        return fail(err, u"no record "_s + id + u" that this login may read"_s);
+    const Pg::Result h =
+        conn.exec("SELECT to_char(at AT TIME ZONE 'UTC', 'YYYY-MM-DD\"T\"HH24:MI:SS\"Z\"'), login, "
+                  "field, coalesce(old_value, ''), coalesce(new_value, '') FROM trestle.history_of($1)",
+                  {id.toUtf8()});
+    if (!h.ok())
+        return fail(err, h.error());
+    for (int i = 0; i < h.rows(); ++i)
+        out << h.text(i, 0) << '\t' << h.text(i, 1) << '\t' << h.text(i, 2) << '\t' << oneLine(h.text(i, 3))
+            << '\t' << oneLine(h.text(i, 4)) << '\n';
+    return 0;
+}
+
+const Verbs::Register regHistory(
+    {u"history"_s, u"<record-id>"_s,
+     u"Print a record's changes on the company server: time, login, field, old, new"_s, &historyVerb});
 const Verbs::Register regServer({u"server"_s,
                                  u"init|push <conninfo> | add-login <conninfo> <login> --user <member-id> "
                                  u"--password-stdin"_s,

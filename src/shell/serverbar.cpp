@@ -93,6 +93,9 @@ QString ServerBar::describe(const DB &db, const ServerSync &sync, const SeatNoti
                u" was taken on another seat; the company server gave it number "_s + n.theirs + u'.';
     case SeatNotice::Refused:
         return u"The company server refused your change to "_s + named(db, n) + u": "_s + n.message + u'.';
+    case SeatNotice::RoleChanged:
+        return u"Your role is now "_s + n.theirs + u" (it was "_s + n.mine +
+               u"); Trestle read the company again as that role allows."_s;
     }
     return QString();
 }

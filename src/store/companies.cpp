@@ -97,10 +97,21 @@ std::optional<Rec> DB::user() const
 
 QString DB::role() const
 {
+    // On a company server the server says, whatever the copy holds.
+    if (m_serverRole)
+        return *m_serverRole;
     const Rec *r = find(m_userID);
     if (r && r->kind == u"user" && r->company == m_companyID)
         return r->f.value(u"role");
     return u"Owner"_s;
+}
+
+void DB::setServerRole(const std::optional<QString> &role)
+{
+    if (role == m_serverRole)
+        return;
+    m_serverRole = role;
+    Q_EMIT selectionChanged();
 }
 
 Rec DB::createCompany(const QString &name, const QString &owner, const QString &state)

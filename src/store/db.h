@@ -147,8 +147,13 @@ public:
     void setUserID(const QString &id);
     std::optional<Rec> company() const;
     std::optional<Rec> user() const;
-    // The role in force: the current user's role, "Owner" when there is no user.
+    // The role in force: the role a company server gives this seat's login,
+    // else the current user's role, "Owner" when there is no user.
     QString role() const;
+    // Sets (or, with nothing, clears) the role a company server gives this seat.
+    void setServerRole(const std::optional<QString> &role);
+    // Whether the role comes from a company server (the user picker then stays shut).
+    bool roleFromServer() const { return m_serverRole.has_value(); }
     // A new company with the default cost codes and one owner, made current.
     Rec createCompany(const QString &name, const QString &owner, const QString &state);
     // The display text of any record id (empty for a dangling reference).
@@ -210,6 +215,7 @@ private:
     StringPool m_pool;
     QString m_companyID;
     QString m_userID;
+    std::optional<QString> m_serverRole;
     sqlite3 *m_db = nullptr;
     sqlite3_stmt *m_insert = nullptr;
     sqlite3_stmt *m_delete = nullptr;

@@ -63,6 +63,32 @@ project=$(sql "SELECT id FROM trestle.recs WHERE kind = 'project' ORDER BY pos L
 on b set "$project" name="Clubhouse, phase 2" >/dev/null
 PGPASSWORD='owner pass' on a get "$project" | grep -q '"name":"Clubhouse, phase 2"' || fail "a did not see b's change"
 
+# The history names the login and the old and new values, oldest first.
+on b history "$project" >"$dir/out"
+grep -qP '^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ\tpete\tname\t.*\tClubhouse, phase 2$' "$dir/out" ||
+    fail "history: $(cat "$dir/out")"
+
+# A Field login cannot change a change order, from the command line either: one line, exit 1, nothing changed.
+field=$(sql "SELECT id FROM trestle.recs WHERE kind = 'user' AND f->>'role' = 'Field' LIMIT 1")
+echo 'field pass' | on a server add-login "$admin" finn --user "$field" --password-stdin >/dev/null
+mkdir -p "$dir/c/run" && chmod 700 "$dir/c/run"
+PGPASSWORD='field pass' on c connect "host=$dir dbname=company user=finn" >/dev/null
+co=$(sql "SELECT id FROM trestle.recs WHERE kind = 'co' ORDER BY pos LIMIT 1")
+if PGPASSWORD='field pass' on c get "$co" >/dev/null 2>&1; then fail "a Field login read a change order"; fi
+PGPASSWORD='field pass' on c get "$project" >"$dir/out"
+grep -q '"contract"' "$dir/out" && fail "a Field login saw the contract amount"
+before=$(sql "SELECT version FROM trestle.recs WHERE id = '$project'")
+timecard=$(sql "SELECT id FROM trestle.recs WHERE kind = 'timecard' ORDER BY pos LIMIT 1")
+PGPASSWORD='field pass' on c set "$timecard" notes="From the site" >/dev/null || fail "a Field login could not log time"
+[ "$(sql "SELECT f->>'notes' FROM trestle.recs WHERE id = '$timecard'")" = "From the site" ] || fail "timecard notes"
+[ -n "$(sql "SELECT f->>'rate' FROM trestle.recs WHERE id = '$timecard'")" ] || fail "the Field save erased the rate"
+[ "$(sql "SELECT version FROM trestle.recs WHERE id = '$project'")" = "$before" ] || fail "the project changed"
+# A team member is not a Field user's to change: the server refuses, the verb says so in one line and exits 1.
+if PGPASSWORD='field pass' on c set "$pm" name="Renamed" >"$dir/out" 2>"$dir/err"; then fail "a Field login renamed a member"; fi
+[ "$(wc -l <"$dir/err")" -eq 1 ] && grep -q "refused the change" "$dir/err" || fail "refused set: $(cat "$dir/err")"
+[ "$(sql "SELECT f->>'name' FROM trestle.recs WHERE id = '$pm'")" != "Renamed" ] || fail "the member was renamed"
+PGPASSWORD='field pass' on c get "$pm" | grep -q '"name":"Renamed"' && fail "the refused name stayed in the copy"
+
 # The server goes away: the change waits in b's outbox, and goes out when it is back.
 stop immediate
 on b set "$project" name="Clubhouse, phase 3" >"$dir/out" || fail "an offline set failed"

@@ -39,7 +39,8 @@ while IFS='|' read -r line expected; do
         fail=1
     fi
 done <<'CASES'
-trestle |backup connect disconnect docx export-csv export-qb get info log pdf proposal recover report restore sample server set snapshot snapshots
+trestle |backup connect disconnect docx export-csv export-qb get history info log pdf proposal recover report restore sample server set snapshot snapshots
+trestle history |
 trestle s|sample server set snapshot snapshots
 trestle server |add-login init push
 trestle server add-login conn jen --|--password-stdin --user

@@ -402,6 +402,19 @@ bool SeatCache::takeResults(const QList<SendResult> &results)
     return true;
 }
 
+bool SeatCache::reset()
+{
+    if (waiting() > 0 || !exec("BEGIN"))
+        return false;
+    const bool ok = exec("DELETE FROM recs") && exec("DELETE FROM srv_ver") &&
+                    exec("UPDATE srv_files SET server_sha = NULL") &&
+                    exec("DELETE FROM srv_meta WHERE key IN ('position', 'notice_id')");
+    m_db.forEach([&](const Rec &r) { m_drops.append(r.id); });
+    if (!commitToMemory(ok))
+        return false;
+    return true;
+}
+
 void SeatCache::touch()
 {
     ++m_db.m_revision;

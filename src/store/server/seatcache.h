@@ -19,6 +19,7 @@ struct SeatNotice
         KeptAfterRemove,  // they removed a record another seat had changed since
         Renumbered,       // the number they gave was taken; the server gave the next
         Refused,          // the server refused the change
+        RoleChanged,      // the server now gives the login another role (mine: before, theirs: now)
     };
     Kind kind = Replaced;
     QString recId;
@@ -58,6 +59,9 @@ public:
     // The oldest waiting changes, at most `limit`.
     QList<OutItem> pending(int limit) const;
     qsizetype waiting() const;
+    // Forgets every record and file the server gave, to read them all again
+    // (when the role, and so what may be read, changed). Only with nothing waiting.
+    bool reset();
     // Sends the waiting change of `id` even over a newer server version (a
     // record put back after another seat removed it).
     bool forcePut(const QString &id);

@@ -158,7 +158,7 @@ void ServerSync::countWaiting()
 }
 
 void ServerSync::onOnline(const QString &login, const QString &serverId, const QString &member,
-                          const QHash<QString, QString> &members)
+                          const QString &role, const QHash<QString, QString> &members)
 {
     m_triedOnce = true;
     m_members = members;
@@ -172,8 +172,11 @@ void ServerSync::onOnline(const QString &login, const QString &serverId, const Q
         return;
     }
     m_cache->setMeta(u"server_id"_s, serverId);
+    if (m_cache->meta(u"login"_s) != login && !m_cache->meta(u"login"_s).isEmpty())
+        m_cache->setMeta(u"role"_s, QString()); // another person: their role decides afresh
     m_cache->setMeta(u"login"_s, login);
     m_cache->setMeta(u"member"_s, member);
+    takeRole(role);
     m_fetchInFlight = m_sendInFlight = false;
     m_caughtUp = false;
     setState(State::Online, QString());
@@ -205,10 +208,35 @@ void ServerSync::requestFetch()
         m_worker, [w = m_worker, pos, notice] { w->fetch(pos, notice); }, Qt::QueuedConnection);
 }
 
+void ServerSync::takeRole(const QString &role)
+{
+    const QString before = m_cache->meta(u"role"_s);
+    if (role != before) {
+        // What the seat holds was given to the old role; the new one starts from what the server gives it
+        // now.
+        if (!before.isEmpty() && m_cache->waiting() == 0 && m_cache->reset()) {
+            SeatNotice n;
+            n.kind = SeatNotice::RoleChanged;
+            n.mine = before;
+            n.theirs = role;
+            m_notices.append(n);
+            Q_EMIT noticesChanged();
+        }
+        m_cache->setMeta(u"role"_s, role);
+    }
+    m_db.setServerRole(role);
+}
+
 void ServerSync::onFetched(const QList<ServerRow> &rows, qint64 newPos, bool more,
-                           const QList<ServerNotice> &notices, const QList<ServerFile> &files)
+                           const QList<ServerNotice> &notices, const QList<ServerFile> &files,
+                           const QString &role)
 {
     m_fetchInFlight = false;
+    if (!role.isEmpty() && role != m_cache->meta(u"role"_s)) {
+        takeRole(role);
+        requestFetch();
+        return;
+    }
     if (!m_cache->applyRemote(rows, newPos)) {
         // The file could not take them; the same rows are read again on the next look.
         m_fetchAgain = false;
@@ -375,7 +403,8 @@ void ServerSync::act(qsizetype index)
         }
         break;
     case SeatNotice::Renumbered:
-    case SeatNotice::Refused: break; // nothing to undo: the server's word stands
+    case SeatNotice::Refused:
+    case SeatNotice::RoleChanged: break; // nothing to undo: the server's word stands
     case SeatNotice::RemovedElsewhere:
         if (!n.copy.id.isEmpty()) {
             m_db.save(n.copy);

@@ -71,11 +71,13 @@ Q_SIGNALS:
     void noticesChanged();
 
 private:
-    void onOnline(const QString &login, const QString &serverId, const QString &member,
+    void onOnline(const QString &login, const QString &serverId, const QString &member, const QString &role,
                   const QHash<QString, QString> &members);
+    // Takes the role the server gives the login; a changed role starts the copy afresh.
+    void takeRole(const QString &role);
     void onOffline(const QString &reason);
     void onFetched(const QList<ServerRow> &rows, qint64 newPos, bool more, const QList<ServerNotice> &notices,
-                   const QList<ServerFile> &files);
+                   const QList<ServerFile> &files, const QString &role);
     void onSent(const QList<SendResult> &results);
     void requestFetch();
     void pumpSend();

@@ -82,15 +82,24 @@ bool SyncWorker::connectNow()
         Q_EMIT offline(error);
         return false;
     }
+    // A login the server no longer lets in (disabled, or no longer in the team) is told so plainly.
+    if (const Pg::Result allowed = m_conn.exec("SELECT count(*) FROM trestle.changes_since(0, 0)");
+        !allowed.ok()) {
+        m_conn.close();
+        Q_EMIT offline(allowed.error());
+        return false;
+    }
     // Listen first, then read: a change committed in between is read, not missed.
     if (!m_conn.exec("LISTEN trestle").ok()) {
         lost(m_conn.lastError());
         return false;
     }
-    QString member;
-    const Pg::Result me = m_conn.exec("SELECT member FROM trestle.whoami()");
-    if (me.ok() && me.rows() == 1)
+    QString member, role;
+    const Pg::Result me = m_conn.exec("SELECT member, role FROM trestle.whoami()");
+    if (me.ok() && me.rows() == 1) {
         member = me.text(0, 0);
+        role = me.text(0, 1);
+    }
     QHash<QString, QString> members;
     const Pg::Result names = m_conn.exec("SELECT login, member FROM trestle.login_names()");
     for (int i = 0; names.ok() && i < names.rows(); ++i)
@@ -99,7 +108,7 @@ bool SyncWorker::connectNow()
     delete m_notifier;
     m_notifier = new QSocketNotifier(qintptr(m_conn.socket()), QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, &SyncWorker::onSocket);
-    Q_EMIT online(m_conn.login(), serverId, member, members);
+    Q_EMIT online(m_conn.login(), serverId, member, role, members);
     return true;
 }
 
@@ -146,11 +155,22 @@ void SyncWorker::fetch(qint64 pos, qint64 noticeId)
         m_conn.exec("SELECT company, name, sha256, pos FROM trestle.files_since($1)", {p});
     const Pg::Result notes =
         m_conn.exec("SELECT * FROM trestle.notices_since($1)", {QByteArray::number(noticeId)});
+    const Pg::Result me = m_conn.exec("SELECT role FROM trestle.whoami()");
     const Pg::Result commit = m_conn.exec("COMMIT");
-    if (!begin.ok() || !rows.ok() || !files.ok() || !notes.ok() || !commit.ok()) {
+    if (!begin.ok() || !rows.ok() || !files.ok() || !notes.ok() || !me.ok() || !commit.ok()) {
         if (!alive())
             return;
         m_conn.exec("ROLLBACK");
+        if (rows.state() == "28000") {
+            // Disabled while connected: the next request is refused, and the seat says why.
+            delete m_notifier;
+            m_notifier = nullptr;
+            m_conn.close();
+            Q_EMIT offline(rows.error());
+            if (m_retry)
+                m_retry->start(m_backoff = 4000);
+            return;
+        }
         lost(rows.ok() ? files.error() : rows.error());
         return;
     }
@@ -176,7 +196,7 @@ void SyncWorker::fetch(qint64 pos, qint64 noticeId)
     for (int i = 0; i < notes.rows(); ++i)
         notices.append({notes.number(i, 0), notes.text(i, 1), notes.text(i, 2), notes.text(i, 3),
                         notes.text(i, 4), notes.text(i, 5), serverTime(notes.text(i, 6))});
-    Q_EMIT fetched(out, newPos, more, notices, fileList);
+    Q_EMIT fetched(out, newPos, more, notices, fileList, me.rows() == 1 ? me.text(0, 0) : QString());
 }
 
 SendResult SyncWorker::sendOne(const OutItem &item, QString *error)

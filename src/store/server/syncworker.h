@@ -36,12 +36,13 @@ public Q_SLOTS:
     void stop();
 
 Q_SIGNALS:
-    void online(const QString &login, const QString &serverId, const QString &member,
+    void online(const QString &login, const QString &serverId, const QString &member, const QString &role,
                 const QHash<QString, QString> &members);
     void offline(const QString &reason);
     // Rows in position order; `more` when the page was full.
+    // `role` is the role the server gives the login at this moment.
     void fetched(const QList<ServerRow> &rows, qint64 newPos, bool more, const QList<ServerNotice> &notices,
-                 const QList<ServerFile> &files);
+                 const QList<ServerFile> &files, const QString &role);
     void sent(const QList<SendResult> &results);
     // The server said something changed.
     void woken();
