@@ -1,4 +1,5 @@
 #include "recordeditor.h"
+#include "serverpanels.h"
 
 #include "fieldeditors.h"
 #include "moduleextras.h"
@@ -137,6 +138,7 @@ RecordEditor::RecordEditor(DB &db, Nav &nav, const ModuleDef &m, const QString &
     if (m.lineKind)
         addPart(makeLinesEditor(db, nav, m, id, m_content));
     addPart(makeModuleExtrasAfterLines(db, nav, m, id, m_content));
+    addPart(makeServerPanels(db, id, m_content));
     fields->addStretch(1);
 
     m_printable = new Printable(this, 2, printJob());

@@ -17,10 +17,8 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-// A field's name and a value of it as the record editor would show them.
-std::pair<QString, QString> shown(const DB &db, const QString &recId, const QString &key,
-                                  const QString &value)
+std::pair<QString, QString> ServerBar::fieldValue(const DB &db, const QString &recId, const QString &key,
+                                                  const QString &value)
 {
     const Rec *rec = db.find(recId);
     const QList<FD> *fields = rec ? Modules::fieldsOf(rec->kind) : nullptr;
@@ -37,6 +35,7 @@ std::pair<QString, QString> shown(const DB &db, const QString &recId, const QStr
     return {key, value.isEmpty() ? u"(blank)"_s : value};
 }
 
+namespace {
 QString named(const DB &db, const SeatNotice &n)
 {
     QString label = db.label(n.recId);
@@ -78,8 +77,8 @@ QString ServerBar::describe(const DB &db, const ServerSync &sync, const SeatNoti
     const QString when = n.at.isValid() ? u" at "_s + n.at.toLocalTime().toString(u"h:mm AP"_s) : QString();
     switch (n.kind) {
     case SeatNotice::Replaced: {
-        const auto [field, mine] = shown(db, n.recId, n.field, n.mine);
-        const QString theirs = shown(db, n.recId, n.field, n.theirs).second;
+        const auto [field, mine] = fieldValue(db, n.recId, n.field, n.mine);
+        const QString theirs = fieldValue(db, n.recId, n.field, n.theirs).second;
         return u"Your "_s + field + u" on "_s + named(db, n) + u" (" + mine + u") was replaced by "_s +
                theirs + u": changed by "_s + who + when + u'.';
     }

@@ -17,6 +17,9 @@ public:
     ServerBar(DB &db, ServerSync *sync, QWidget *parent = nullptr);
     // The words of a notice, with names, labels and formatted values.
     static QString describe(const DB &db, const ServerSync &sync, const SeatNotice &notice);
+    // A field's label and a value of it as the record editor shows them.
+    static std::pair<QString, QString> fieldValue(const DB &db, const QString &recId, const QString &key,
+                                                  const QString &value);
     // The banner's words while the server cannot be reached.
     static QString offlineText(qsizetype waiting);
     QStringList texts() const;

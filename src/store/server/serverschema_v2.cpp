@@ -21,6 +21,8 @@ BEGIN
     EXECUTE format('GRANT trestle_member TO %I', g);
     EXECUTE format('GRANT %I TO trestle_owner WITH ADMIN OPTION', g);
   END LOOP;
+  -- An owner of the company makes and keeps logins through trestle.manage_login, which runs as trestle_owner.
+  ALTER ROLE trestle_owner CREATEROLE;
 END
 $$;
 )SQL";
@@ -330,6 +332,74 @@ BEGIN
   RETURN QUERY SELECT x.company, x.name, x.sha256, x.pos FROM trestle.files x WHERE x.pos > p_pos ORDER BY x.pos;
 END $$;
 
+-- The logins of the caller's company, for an owner.
+CREATE FUNCTION trestle.login_list()
+RETURNS TABLE (login text, member text, disabled boolean)
+LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+BEGIN
+  IF trestle.require_login() <> 'Owner' THEN
+    RAISE EXCEPTION 'only an owner manages logins' USING ERRCODE = '42501';
+  END IF;
+  RETURN QUERY SELECT l.login, l.member, l.disabled FROM trestle.logins l
+  WHERE l.company = (SELECT x.company FROM trestle.logins x WHERE x.login = session_user)
+     OR NOT EXISTS (SELECT 1 FROM trestle.logins x WHERE x.login = session_user)
+  ORDER BY l.login;
+END $$;
+
+-- What an owner does to the logins of the company's members: make one
+-- ('create', with a password verifier made on the seat), set a new password
+-- ('password'), or shut one out and let it back in ('disable', 'enable').
+-- Only logins Trestle made are touched, and only a member of the owner's company.
+CREATE FUNCTION trestle.manage_login(p_action text, p_login text, p_member text, p_verifier text)
+RETURNS void LANGUAGE plpgsql SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
+DECLARE
+  company text := (SELECT x.company FROM trestle.logins x WHERE x.login = session_user);
+  member_company text := (SELECT m.company FROM trestle.recs m WHERE m.id = p_member AND m.kind = 'user'
+                          AND NOT m.deleted);
+  known trestle.logins;
+BEGIN
+  IF trestle.require_login() <> 'Owner' THEN
+    RAISE EXCEPTION 'only an owner manages logins' USING ERRCODE = '42501';
+  END IF;
+  IF p_login IS NULL OR p_login !~ '^[a-z_][a-z0-9_.-]{0,62}$' OR p_login LIKE 'pg\_%' OR p_login LIKE 'trestle\_%' THEN
+    RAISE EXCEPTION '"%" cannot be a login: use lower-case letters, digits, ".", "-" or "_", starting with a letter',
+      p_login USING ERRCODE = '22023';
+  END IF;
+  IF member_company IS NULL OR (company IS NOT NULL AND member_company <> company) THEN
+    RAISE EXCEPTION 'no such member of the company' USING ERRCODE = '22023';
+  END IF;
+  SELECT * INTO known FROM trestle.logins x WHERE x.login = p_login;
+  IF p_action = 'create' THEN
+    IF FOUND OR EXISTS (SELECT 1 FROM pg_roles r WHERE r.rolname = p_login) THEN
+      RAISE EXCEPTION 'the login % is taken', p_login USING ERRCODE = '42710';
+    END IF;
+    IF p_verifier IS NULL OR p_verifier NOT LIKE 'SCRAM-SHA-256$%' THEN
+      RAISE EXCEPTION 'a password is needed' USING ERRCODE = '22023';
+    END IF;
+    EXECUTE format('CREATE ROLE %I LOGIN PASSWORD %L', p_login, p_verifier);
+    INSERT INTO trestle.logins (login, company, member) VALUES (p_login, member_company, p_member);
+    PERFORM trestle.sync_login_groups(p_member);
+    RETURN;
+  END IF;
+  IF NOT FOUND OR known.member <> p_member THEN
+    RAISE EXCEPTION 'the login % is not this member''s', p_login USING ERRCODE = '22023';
+  END IF;
+  IF p_action = 'password' THEN
+    IF p_verifier IS NULL OR p_verifier NOT LIKE 'SCRAM-SHA-256$%' THEN
+      RAISE EXCEPTION 'a password is needed' USING ERRCODE = '22023';
+    END IF;
+    EXECUTE format('ALTER ROLE %I PASSWORD %L', p_login, p_verifier);
+  ELSIF p_action = 'disable' THEN
+    UPDATE trestle.logins x SET disabled = true WHERE x.login = p_login;
+    EXECUTE format('ALTER ROLE %I NOLOGIN', p_login);
+  ELSIF p_action = 'enable' THEN
+    UPDATE trestle.logins x SET disabled = false WHERE x.login = p_login;
+    EXECUTE format('ALTER ROLE %I LOGIN', p_login);
+  ELSE
+    RAISE EXCEPTION 'unknown action %', p_action USING ERRCODE = '22023';
+  END IF;
+END $$;
+
 RESET ROLE;
 
 REVOKE ALL ON ALL TABLES IN SCHEMA trestle FROM PUBLIC;
@@ -337,7 +407,7 @@ REVOKE ALL ON ALL FUNCTIONS IN SCHEMA trestle FROM PUBLIC;
 GRANT EXECUTE ON FUNCTION trestle.changes_since(bigint, integer), trestle.rec(text),
   trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean),
   trestle.remove_rec(text, bigint, boolean), trestle.history_of(text), trestle.notices_since(bigint),
-  trestle.whoami() TO trestle_member;
+  trestle.whoami(), trestle.login_list(), trestle.manage_login(text, text, text, text) TO trestle_member;
 )SQL";
 
 } // namespace ServerSchemaSQL

@@ -31,6 +31,8 @@ ServerSync::ServerSync(DB &db, const QString &conninfo, QObject *parent)
     qRegisterMetaType<QList<SendResult>>();
     qRegisterMetaType<QList<ServerNotice>>();
     qRegisterMetaType<QList<ServerFile>>();
+    qRegisterMetaType<QList<HistoryLine>>();
+    qRegisterMetaType<QList<LoginInfo>>();
     m_poll->setInterval(kPollMs);
     connect(m_poll, &QTimer::timeout, this, &ServerSync::requestFetch);
     // Local writes are sent on the next turn of the loop, many saves in one go.
@@ -103,6 +105,9 @@ void ServerSync::start(const QString &password)
     connect(m_worker, &SyncWorker::woken, this, &ServerSync::requestFetch);
     connect(m_worker, &SyncWorker::downloaded, m_files, &FileSync::takeDownload);
     connect(m_worker, &SyncWorker::uploaded, m_files, &FileSync::takeUpload);
+    connect(m_worker, &SyncWorker::historyRead, this, &ServerSync::historyReady);
+    connect(m_worker, &SyncWorker::loginsRead, this, &ServerSync::loginsReady);
+    connect(m_worker, &SyncWorker::loginManaged, this, &ServerSync::loginManaged);
     // The file requests go to whichever worker is current.
     disconnect(m_files, &FileSync::download, nullptr, nullptr);
     disconnect(m_files, &FileSync::upload, nullptr, nullptr);
@@ -354,6 +359,38 @@ bool ServerSync::flush(int ms)
         loop.exec();
     }
     return m_waiting == 0;
+}
+
+void ServerSync::requestHistory(const QString &recId)
+{
+    if (!m_worker) {
+        Q_EMIT historyReady(recId, {}, m_problem);
+        return;
+    }
+    QMetaObject::invokeMethod(
+        m_worker, [w = m_worker, recId] { w->history(recId); }, Qt::QueuedConnection);
+}
+
+void ServerSync::requestLogins()
+{
+    if (!m_worker) {
+        Q_EMIT loginsReady({}, m_problem);
+        return;
+    }
+    QMetaObject::invokeMethod(m_worker, &SyncWorker::logins, Qt::QueuedConnection);
+}
+
+void ServerSync::manageLogin(const QString &action, const QString &login, const QString &member,
+                             const QString &password)
+{
+    if (!m_worker) {
+        Q_EMIT loginManaged(login, m_problem);
+        return;
+    }
+    QMetaObject::invokeMethod(
+        m_worker,
+        [w = m_worker, action, login, member, password] { w->manageLogin(action, login, member, password); },
+        Qt::QueuedConnection);
 }
 
 bool ServerSync::waitFile(const QString &company, const QString &name, int ms)

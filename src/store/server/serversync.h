@@ -61,6 +61,13 @@ public:
     void act(qsizetype index);
 
     SeatCache &cache() { return *m_cache; }
+    // Asks for a record's history; historyReady answers.
+    void requestHistory(const QString &recId);
+    // Asks for the company's logins (an owner's request); loginsReady answers.
+    void requestLogins();
+    // Makes, changes or shuts a login; loginManaged answers.
+    void manageLogin(const QString &action, const QString &login, const QString &member,
+                     const QString &password = QString());
     // Waits (running events) until the stored file is fetched or `ms` passed.
     bool waitFile(const QString &company, const QString &name, int ms);
     // Verbs wait for a stored file they ask for; the window goes on and redraws when it comes.
@@ -69,6 +76,10 @@ public:
 Q_SIGNALS:
     void stateChanged();
     void noticesChanged();
+    void historyReady(const QString &recId, const QList<HistoryLine> &lines, const QString &error);
+    void loginsReady(const QList<LoginInfo> &logins, const QString &error);
+    // `error` is empty when it was done.
+    void loginManaged(const QString &login, const QString &error);
 
 private:
     void onOnline(const QString &login, const QString &serverId, const QString &member, const QString &role,

@@ -73,6 +73,24 @@ struct ServerNotice
     QDateTime at;
 };
 
+// One change of one field, as the server's history keeps it.
+struct HistoryLine
+{
+    QDateTime at;
+    QString login;
+    QString field;
+    QString oldValue;
+    QString newValue;
+};
+
+// A server login of a team member, as an owner sees it.
+struct LoginInfo
+{
+    QString login;
+    QString member;
+    bool disabled = false;
+};
+
 Q_DECLARE_METATYPE(ServerRow)
 Q_DECLARE_METATYPE(OutItem)
 Q_DECLARE_METATYPE(SendResult)

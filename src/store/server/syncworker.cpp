@@ -303,6 +303,56 @@ void SyncWorker::upload(const QString &company, const QString &name, const QStri
     Q_EMIT uploaded(company, name, sha, ok);
 }
 
+void SyncWorker::history(const QString &recId)
+{
+    QList<HistoryLine> lines;
+    if (!m_conn.isOpen()) {
+        Q_EMIT historyRead(recId, lines, u"the company server cannot be reached"_s);
+        return;
+    }
+    const Pg::Result r =
+        m_conn.exec("SELECT at, login, field, coalesce(old_value, ''), coalesce(new_value, '') "
+                    "FROM trestle.history_of($1)",
+                    {recId.toUtf8()});
+    if (!r.ok()) {
+        alive();
+        Q_EMIT historyRead(recId, lines, r.error());
+        return;
+    }
+    for (int i = 0; i < r.rows(); ++i)
+        lines.append({serverTime(r.text(i, 0)), r.text(i, 1), r.text(i, 2), r.text(i, 3), r.text(i, 4)});
+    Q_EMIT historyRead(recId, lines, QString());
+}
+
+void SyncWorker::logins()
+{
+    QList<LoginInfo> out;
+    const Pg::Result r = m_conn.isOpen()
+                             ? m_conn.exec("SELECT login, member, disabled FROM trestle.login_list()")
+                             : Pg::Result();
+    if (!r.ok()) {
+        Q_EMIT loginsRead(out, m_conn.isOpen() ? r.error() : u"the company server cannot be reached"_s);
+        return;
+    }
+    for (int i = 0; i < r.rows(); ++i)
+        out.append({r.text(i, 0), r.text(i, 1), r.text(i, 2) == u"t"});
+    Q_EMIT loginsRead(out, QString());
+}
+
+void SyncWorker::manageLogin(const QString &action, const QString &login, const QString &member,
+                             const QString &password)
+{
+    if (!m_conn.isOpen()) {
+        Q_EMIT loginManaged(login, u"the company server cannot be reached"_s);
+        return;
+    }
+    // The password is turned into its verifier here; the plain text never leaves this machine.
+    const QByteArray verifier = password.isEmpty() ? QByteArray() : m_conn.encryptPassword(password, login);
+    const Pg::Result r = m_conn.exec("SELECT trestle.manage_login($1, $2, $3, $4)",
+                                     {action.toUtf8(), login.toUtf8(), member.toUtf8(), verifier});
+    Q_EMIT loginManaged(login, r.ok() ? QString() : r.error());
+}
+
 void SyncWorker::stop()
 {
     m_stopped = true;

@@ -32,6 +32,13 @@ public Q_SLOTS:
     void download(const QString &company, const QString &name, const QString &sha);
     // Sends a stored file's bytes and names them for the company.
     void upload(const QString &company, const QString &name, const QString &path);
+    // Reads the history of a record, as this login may see it.
+    void history(const QString &recId);
+    // Reads the logins of the company (an owner's request).
+    void logins();
+    // Makes, changes or shuts a login ("create", "password", "disable", "enable").
+    void manageLogin(const QString &action, const QString &login, const QString &member,
+                     const QString &password);
     // Closes the connection for good.
     void stop();
 
@@ -49,6 +56,9 @@ Q_SIGNALS:
     // A file's bytes, or a null array when the server could not give them.
     void downloaded(const QString &company, const QString &name, const QString &sha, const QByteArray &data);
     void uploaded(const QString &company, const QString &name, const QString &sha, bool ok);
+    void historyRead(const QString &recId, const QList<HistoryLine> &lines, const QString &error);
+    void loginsRead(const QList<LoginInfo> &logins, const QString &error);
+    void loginManaged(const QString &login, const QString &error);
 
 private:
     bool connectNow();
