@@ -92,6 +92,17 @@ ConnectDialog::ConnectDialog(QWidget *parent)
     setMinimumWidth(520);
 }
 
+void ConnectDialog::prefill(const QString &conninfo)
+{
+    m_host->setText(Pg::conninfoValue(conninfo, "host"));
+    const int port = Pg::conninfoValue(conninfo, "port").toInt();
+    if (port > 0)
+        m_port->setValue(port);
+    m_database->setText(Pg::conninfoValue(conninfo, "dbname"));
+    m_caFile->setText(Pg::conninfoValue(conninfo, "sslrootcert"));
+    m_login->setFocus();
+}
+
 QString ConnectDialog::quoted(const QString &value)
 {
     QString v = value;
@@ -195,6 +206,25 @@ void connectToServer(QWidget *parent)
                              u"Trestle starts again to work on the company server."_s);
     restartLater();
     QApplication::closeAllWindows();
+}
+
+void signInAs(QWidget *parent)
+{
+    ConnectDialog dialog(parent);
+    dialog.setWindowTitle(u"Sign In As"_s);
+    dialog.prefill(ServerLink::conninfo());
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    restartLater();
+    QApplication::closeAllWindows();
+}
+
+void signOut()
+{
+    if (ServerSync *sync = ServerLink::sync()) {
+        Keyring::forget(ServerLink::conninfo());
+        sync->signOut();
+    }
 }
 
 void disconnectFromServer(QWidget *parent)

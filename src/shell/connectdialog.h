@@ -16,6 +16,8 @@ class ConnectDialog : public QDialog
     Q_OBJECT
 public:
     explicit ConnectDialog(QWidget *parent = nullptr);
+    // Fills the boxes from a connection string (all but the login and password).
+    void prefill(const QString &conninfo);
     // The connection string the boxes make (no password in it).
     QString conninfo() const;
     // The message under the boxes, empty while all is well.
@@ -54,4 +56,8 @@ void connectToServer(QWidget *parent);
 void disconnectFromServer(QWidget *parent);
 // Starts this program again once this process has ended and left the data folder.
 void restartLater();
+// Signs in to the same server as another person, then starts again.
+void signInAs(QWidget *parent);
+// Leaves the server: forgets the kept password and stops working online until a password is given again.
+void signOut();
 } // namespace ServerActions

@@ -1,5 +1,6 @@
 #include "headerbar.h"
 
+#include "connectdialog.h"
 #include "nav.h"
 
 #include "look/buttons.h"
@@ -34,6 +35,16 @@ HeaderMenuButton::HeaderMenuButton(const QString &caption, const QString &symbol
         m_menu->popup(mapToGlobal(QPoint(0, height())));
         setDown(false);
     });
+}
+
+void HeaderMenuButton::setCaption(const QString &caption)
+{
+    if (caption == m_caption)
+        return;
+    m_caption = caption;
+    setAccessibleName(caption);
+    updateGeometry();
+    update();
 }
 
 void HeaderMenuButton::setValue(const QString &value)
@@ -193,6 +204,14 @@ void HeaderBar::rebuildMenus()
     m_projectMenu->addAction(u"New Project…"_s, this, [this] { m_nav.setNewProject(true); });
 
     m_userMenu->clear();
+    // On a company server the person is who signed in, and the server says their role.
+    if (ServerSync *sync = ServerLink::sync(); sync && m_db.roleFromServer()) {
+        m_userMenu->addAction(u"Signed in as "_s + sync->login())->setEnabled(false);
+        m_userMenu->addSeparator();
+        m_userMenu->addAction(u"Sign In As…"_s, this, [this] { ServerActions::signInAs(window()); });
+        m_userMenu->addAction(u"Sign Out"_s, this, [] { ServerActions::signOut(); });
+        return;
+    }
     for (const Rec &u : m_db.list(u"user"_s)) {
         const QString id = u.id;
         m_userMenu->addAction(u.f[u"name"] + u" — "_s + u.f[u"role"], this,
@@ -208,6 +227,7 @@ void HeaderBar::refresh()
     m_project->setValue(project ? project->f[u"number"] + u' ' + project->f[u"name"] : u"All projects"_s);
     const std::optional<Rec> user = m_db.user();
     m_user->setValue(user ? user->f[u"name"] + u" — "_s + m_db.role() : m_db.role());
+    m_user->setCaption(m_db.roleFromServer() ? u"Signed in"_s : u"User"_s);
 }
 
 void HeaderBar::showServer()

@@ -18,6 +18,8 @@ public:
     HeaderMenuButton(const QString &caption, const QString &symbol, QMenu *menu, QWidget *parent = nullptr);
     void setValue(const QString &value);
     QString value() const { return text(); }
+    // The small word over the value ("User", or "Signed in" on a company server).
+    void setCaption(const QString &caption);
     // The compact form shows only the value.
     void setCompact(bool compact);
     QSize sizeHint() const override;

@@ -31,7 +31,7 @@ std::pair<QString, QString> ServerBar::fieldValue(const DB &db, const QString &r
                 return {fd.label, text};
             }
     if (key == u"project")
-        return {u"Project"_s, db.label(value)};
+        return {u"Project"_s, value.isEmpty() ? u"(blank)"_s : db.label(value)};
     return {key, value.isEmpty() ? u"(blank)"_s : value};
 }
 
@@ -131,7 +131,8 @@ void ServerBar::rebuild()
             text = offlineText(waiting) + u". "_s + text;
         auto *offline = new Notice(text, Notice::orange(), u"wifi.slash"_s, this);
         if (ServerLink::loginRefused(m_sync->problem())) {
-            auto *signIn = new FWChromeButton(u"Enter Password…"_s, {}, offline);
+            const bool out = m_sync->problem().contains(u"signed out"_s);
+            auto *signIn = new FWChromeButton(out ? u"Sign In…"_s : u"Enter Password…"_s, {}, offline);
             offline->layout()->addWidget(signIn);
             connect(signIn, &QAbstractButton::clicked, this, [this] {
                 bool ok = false;

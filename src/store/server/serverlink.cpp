@@ -158,7 +158,7 @@ QString askPassword(const QString &prompt)
 
 bool loginRefused(const QString &problem)
 {
-    return problem.contains(u"refused the login"_s);
+    return problem.contains(u"refused the login"_s) || problem.contains(u"signed out"_s);
 }
 
 ServerSync *sync()

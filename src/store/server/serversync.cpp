@@ -122,6 +122,14 @@ void ServerSync::setPassword(const QString &password)
     start(password);
 }
 
+void ServerSync::signOut()
+{
+    stopWorker();
+    m_poll->stop();
+    m_triedOnce = true;
+    setState(State::Offline, u"you signed out of the company server"_s);
+}
+
 QString ServerSync::login() const
 {
     return m_cache->meta(u"login"_s);

@@ -31,6 +31,8 @@ public:
     void start(const QString &password = QString());
     // Connects again with another password.
     void setPassword(const QString &password);
+    // Stops working online until a password is given again (setPassword).
+    void signOut();
 
     State state() const { return m_state; }
     // Why the seat is offline, in plain words; empty when online.
