@@ -69,6 +69,8 @@ void addCore(QList<ModuleDef> &out)
                  {u"Owner"_s, u"Project Manager"_s, u"Accounting"_s, u"Field"_s, u"Subcontractor"_s})},
             {u"rate"_s, u"Labor cost per hour"_s, FT::of(FT::money)},
             {u"phone"_s, u"Phone"_s, FT::of(FT::text)},
+            // A subcontractor's own firm: on a company server its login sees only that firm's work.
+            {u"firm"_s, u"Subcontractor firm"_s, FT::makeRef(u"contact"_s)},
         };
         out.append(std::move(m));
     }

@@ -54,6 +54,7 @@ ServerCatalog fromModules(const QList<ModuleDef> &modules)
         role.group = groupOf(name);
         role.restricted = name == u"Field" || name == u"Subcontractor";
         role.hideMoney = name == u"Field";
+        role.ownFirmOnly = name == u"Subcontractor";
         QStringList open;
         for (const ModuleDef &m : modules) {
             if (!Roles::mayOpen(name, m)) {

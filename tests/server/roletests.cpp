@@ -44,7 +44,7 @@ class RoleTests : public QObject
     Q_OBJECT
     ServerFixture m_server;
     QHash<QString, QString> m_members; // role → member id
-    QString m_coId, m_timecardId, m_logId;
+    QString m_coId, m_timecardId, m_logId, m_firm;
     QStringList m_ids;
 
     // Logs in as the member of `role` with its own login ("role-<first word>").
@@ -85,6 +85,19 @@ private Q_SLOTS:
                      .id;
         db.add(u"co_line"_s, m_server.projectId, m_coId,
                {{u"description"_s, u"Fixtures"_s}, {u"amount"_s, kCoAmount}});
+        // A subcontractor's login sees its own firm's work only.
+        const QString ours =
+            db.add(u"contact"_s, QString(), QString(), {{u"name"_s, u"Bookcliff Plumbing"_s}}).id;
+        const QString theirs =
+            db.add(u"contact"_s, QString(), QString(), {{u"name"_s, u"Mesa Electric"_s}}).id;
+        Rec sub = *db.get(m_members.value(u"Subcontractor"_s));
+        sub.f.insert(u"firm"_s, ours);
+        db.save(sub);
+        m_firm = ours;
+        db.add(u"rfi"_s, m_server.projectId, QString(),
+               {{u"subject"_s, u"Our firm's question"_s}, {u"to"_s, ours}});
+        db.add(u"rfi"_s, m_server.projectId, QString(),
+               {{u"subject"_s, u"Another firm's question"_s}, {u"to"_s, theirs}});
         m_logId = db.add(u"daily_log"_s, m_server.projectId, QString(),
                          {{u"date"_s, u"2026-11-20"_s}, {u"weather"_s, u"Clear"_s}})
                       .id;
@@ -145,6 +158,9 @@ private Q_SLOTS:
         QCOMPARE(dump.contains(kRate), seesRates);
         QCOMPARE(dump.contains(kCoAmount), seesCo);
         QCOMPARE(dump.contains(u"Owner upgrade"_s), seesCo);
+        QVERIFY(dump.contains(u"Our firm's question"_s));
+        QCOMPARE(dump.contains(u"Another firm's question"_s), role != u"Subcontractor");
+        QCOMPARE(dump.contains(u"Mesa Electric"_s), role != u"Subcontractor");
         // What a Field login reads holds only the fields its kind's screens show, less money.
         if (role == u"Field") {
             const ServerCatalog rules = ServerRules::fromCatalog();
@@ -202,6 +218,22 @@ private Q_SLOTS:
         QCOMPARE(m_server.cluster.psql(m_server.dbName, loginOf(u"Owner"_s), u"TRUNCATE trestle.history"_s,
                                        &out, u"pw-r-owner"_s) == 0,
                  false);
+    }
+
+    void aFirmWritesOnlyItsOwnWork()
+    {
+        Pg::Conn sub;
+        QVERIFY(open(sub, u"Subcontractor"_s));
+        auto put = [&](const QString &to) {
+            return sub.exec(
+                "SELECT status FROM trestle.put_rec($1, 0, $2, 'rfi', $3, '', 1, 1, $4::jsonb, true)",
+                {newID().toUtf8(), m_server.companyId.toUtf8(), m_server.projectId.toUtf8(),
+                 (u"{\"subject\": \"From the sub\", \"to\": \""_s + to + u"\"}"_s).toUtf8()});
+        };
+        QVERIFY(put(m_firm).ok());
+        const Pg::Result other = put(u"SOMEONE-ELSE"_s);
+        QVERIFY(!other.ok());
+        QCOMPARE(other.state(), QByteArray("42501"));
     }
 
     void historyNamesWhoAndWhat()

@@ -73,9 +73,10 @@ bool refreshRules(Pg::Conn &admin, const ServerCatalog &catalog, QString *error)
     for (const ServerCatalog::Role &role : catalog.roles) {
         const QByteArray name = role.name.toUtf8();
         ok = ok &&
-             run("INSERT INTO trestle.roles (role, grp, restricted, hide_money) VALUES ($1, $2, $3, $4)",
+             run("INSERT INTO trestle.roles (role, grp, restricted, hide_money, own_firm) VALUES ($1, $2, "
+                 "$3, $4, $5)",
                  {name, role.group.toUtf8(), role.restricted ? "true" : "false",
-                  role.hideMoney ? "true" : "false"}) &&
+                  role.hideMoney ? "true" : "false", role.ownFirmOnly ? "true" : "false"}) &&
              run("INSERT INTO trestle.role_read SELECT $1, unnest($2::text[])",
                  {name, textArray(role.readKinds)}) &&
              run("INSERT INTO trestle.role_write SELECT $1, unnest($2::text[])",

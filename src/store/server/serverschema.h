@@ -23,6 +23,8 @@ struct ServerCatalog
         QString group; // the server's group role, "trestle_role_field"
         bool restricted = false;
         bool hideMoney = false;
+        // Reads and changes only records that concern the firm its member works for.
+        bool ownFirmOnly = false;
         QStringList readKinds;
         QStringList writeKinds;
         QStringList deniedKinds;

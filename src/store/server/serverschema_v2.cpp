@@ -33,7 +33,7 @@ SET ROLE trestle_owner;
 -- What each role of the team may read and change, refreshed from the module
 -- table whenever the server is set up or upgraded.
 CREATE TABLE trestle.roles (role text PRIMARY KEY, grp text NOT NULL, restricted boolean NOT NULL,
-                            hide_money boolean NOT NULL);
+                            hide_money boolean NOT NULL, own_firm boolean NOT NULL DEFAULT false);
 CREATE TABLE trestle.role_read (role text NOT NULL, kind text NOT NULL, PRIMARY KEY (role, kind));
 CREATE TABLE trestle.role_write (role text NOT NULL, kind text NOT NULL, PRIMARY KEY (role, kind));
 CREATE TABLE trestle.role_write_denied (role text NOT NULL, kind text NOT NULL, PRIMARY KEY (role, kind));
@@ -141,6 +141,27 @@ CREATE FUNCTION trestle.rec_json_for(p_role text, r trestle.recs) RETURNS text L
                            'f', trestle.visible_f(p_role, r.kind, r.f))::text
 $$;
 
+-- For a role that sees only its own firm's work: the records that name the
+-- login's firm (the contact its member record points to), their lines, their
+-- projects, the firm itself, the member and the company. Removed records count
+-- too, so a seat learns of a removal.
+CREATE FUNCTION trestle.firm_scope(p_login text) RETURNS TABLE (id text) LANGUAGE sql STABLE AS $$
+  WITH me AS (SELECT m.id AS member, m.company, coalesce(m.f->>'firm', '') AS firm
+              FROM trestle.logins l JOIN trestle.recs m ON m.id = l.member WHERE l.login = p_login),
+  direct AS (SELECT r.id, r.project FROM trestle.recs r, me
+             WHERE r.company = me.company AND me.firm <> ''
+               AND (r.id = me.firm OR EXISTS (SELECT 1 FROM jsonb_each_text(r.f) e WHERE e.value = me.firm)))
+  SELECT d.id FROM direct d
+  UNION SELECT r.id FROM trestle.recs r JOIN direct d ON r.parent = d.id
+  UNION SELECT d.project FROM direct d WHERE d.project <> ''
+  UNION SELECT me.member FROM me
+  UNION SELECT me.company FROM me
+$$;
+
+CREATE FUNCTION trestle.own_firm(p_role text) RETURNS boolean LANGUAGE sql STABLE AS $$
+  SELECT coalesce((SELECT x.own_firm FROM trestle.roles x WHERE x.role = trestle.rule_role(p_role)), false)
+$$;
+
 -- Puts a member's logins in the group of the member's role.
 CREATE FUNCTION trestle.sync_login_groups(p_member text) RETURNS void LANGUAGE plpgsql AS $$
 DECLARE
@@ -170,12 +191,14 @@ DECLARE
   rr text := trestle.rule_role(me);
   limited boolean := coalesce((SELECT x.restricted FROM trestle.roles x WHERE x.role = rr), false);
   hide boolean := coalesce((SELECT x.hide_money FROM trestle.roles x WHERE x.role = rr), false);
+  firm_only boolean := trestle.own_firm(me);
 BEGIN
   RETURN QUERY
   SELECT CASE WHEN hide THEN trestle.rec_json_for(me, r) ELSE trestle.rec_json(r) END, r.version, r.pos,
          r.deleted, r.changed_by, r.changed_at
   FROM trestle.recs r
   WHERE r.pos > p_pos AND (NOT limited OR r.kind IN (SELECT x.kind FROM trestle.role_read x WHERE x.role = rr))
+    AND (NOT firm_only OR r.id IN (SELECT s.id FROM trestle.firm_scope(session_user) s))
   ORDER BY r.pos LIMIT p_limit;
 END $$;
 
@@ -188,7 +211,8 @@ DECLARE
 BEGIN
   RETURN QUERY
   SELECT trestle.rec_json_for(me, r), r.version, r.pos, r.deleted, r.changed_by, r.changed_at
-  FROM trestle.recs r WHERE r.id = p_id AND trestle.can_read(me, r.kind);
+  FROM trestle.recs r WHERE r.id = p_id AND trestle.can_read(me, r.kind)
+    AND (NOT trestle.own_firm(me) OR r.id IN (SELECT s.id FROM trestle.firm_scope(session_user) s));
 END $$;
 
 DROP FUNCTION trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean);
@@ -215,6 +239,9 @@ BEGIN
   had := FOUND;
   IF NOT trestle.can_write(me, p_kind) OR (had AND NOT trestle.can_write(me, cur.kind)) THEN
     RAISE EXCEPTION 'the % role may not change records of the kind %', me, p_kind USING ERRCODE = '42501';
+  END IF;
+  IF had AND trestle.own_firm(me) AND p_id NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s) THEN
+    RAISE EXCEPTION 'this record is not your firm''s' USING ERRCODE = '42501';
   END IF;
   -- Fields the role cannot see are kept as the server has them, whatever the seat sent.
   nf := trestle.visible_f(me, p_kind, p_f);
@@ -248,6 +275,10 @@ BEGIN
   IF p_kind = 'user' AND (NOT had OR cur.f->>'role' IS DISTINCT FROM nf->>'role') THEN
     PERFORM trestle.sync_login_groups(p_id);
   END IF;
+  -- What a firm's login writes must stay its firm's: a new record names the firm or hangs from its work.
+  IF trestle.own_firm(me) AND p_id NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s) THEN
+    RAISE EXCEPTION 'a record your firm writes must name your firm' USING ERRCODE = '42501';
+  END IF;
   RETURN QUERY SELECT st, trestle.rec_json_for(me, r), r.version, r.pos, r.deleted, r.changed_by, r.changed_at
                FROM trestle.recs r WHERE r.id = p_id;
 END $$;
@@ -268,8 +299,9 @@ BEGIN
     RETURN QUERY SELECT 'ok'::text, NULL::text, 0::bigint, 0::bigint, true, session_user::text, now();
     RETURN;
   END IF;
-  IF NOT trestle.can_write(me, cur.kind) THEN
-    RAISE EXCEPTION 'the % role may not remove records of the kind %', me, cur.kind USING ERRCODE = '42501';
+  IF NOT trestle.can_write(me, cur.kind)
+     OR (trestle.own_firm(me) AND p_id NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s)) THEN
+    RAISE EXCEPTION 'the % role may not remove this record', me USING ERRCODE = '42501';
   END IF;
   IF cur.deleted OR (cur.version <> p_base AND NOT p_force) THEN
     RETURN QUERY SELECT CASE WHEN cur.deleted THEN 'ok' ELSE 'conflict' END, trestle.rec_json_for(me, cur),
@@ -290,7 +322,8 @@ DECLARE
   me text := trestle.require_login();
   k text := (SELECT r.kind FROM trestle.recs r WHERE r.id = p_rec);
 BEGIN
-  IF k IS NULL OR NOT trestle.can_read(me, k) THEN
+  IF k IS NULL OR NOT trestle.can_read(me, k)
+     OR (trestle.own_firm(me) AND p_rec NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s)) THEN
     RETURN;
   END IF;
   RETURN QUERY
