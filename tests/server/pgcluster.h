@@ -17,9 +17,13 @@ public:
     PgCluster(const PgCluster &) = delete;
     PgCluster &operator=(const PgCluster &) = delete;
 
-    // Makes and starts the cluster; the reason in `error` when it cannot.
-    bool start(QString *error)
+    // Makes and starts the cluster; the reason in `error` when it cannot. With
+    // `tcp` it also listens on 127.0.0.1, without TLS, at a port of its own.
+    bool start(QString *error, bool tcp = false)
     {
+        m_tcp = tcp;
+        if (tcp)
+            m_port = 20000 + int(::getpid() % 20000);
         const QString bin = binDir();
         if (bin.isEmpty()) {
             *error = QStringLiteral(
@@ -49,7 +53,8 @@ public:
             return false;
         }
         // The administrator comes in without a password; every other login needs its SCRAM password.
-        const QString hba = QStringLiteral("local all postgres trust\nlocal all all scram-sha-256\n");
+        const QString hba = QStringLiteral("local all postgres trust\nlocal all all scram-sha-256\n"
+                                           "host all all 127.0.0.1/32 scram-sha-256\n");
         if (!writeAsServer(QDir(dataDir()).filePath(QStringLiteral("pg_hba.conf")), hba)) {
             *error = QStringLiteral("could not write pg_hba.conf");
             return false;
@@ -61,10 +66,11 @@ public:
     bool startServer(QString *error)
     {
         QString out;
-        const QString opts = QStringLiteral("-c listen_addresses='' -k %1 -p %2 -c fsync=off "
+        const QString opts = QStringLiteral("-c listen_addresses='%3' -k %1 -p %2 -c fsync=off "
                                             "-c full_page_writes=off -c max_connections=100")
                                  .arg(m_dir->path())
-                                 .arg(port());
+                                 .arg(port())
+                                 .arg(m_tcp ? QStringLiteral("127.0.0.1") : QString());
         if (!run(QStringLiteral("pg_ctl"),
                  {QStringLiteral("-D"), dataDir(), QStringLiteral("-l"),
                   m_dir->filePath(QStringLiteral("log")), QStringLiteral("-w"), QStringLiteral("-o"), opts,
@@ -147,7 +153,7 @@ public:
     }
 
     QString socketDir() const { return m_dir->path(); }
-    int port() const { return 5432; }
+    int port() const { return m_port; }
 
 private:
     QString dataDir() const { return m_dir->filePath(QStringLiteral("data")); }
@@ -190,4 +196,6 @@ private:
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_bin;
     bool m_running = false;
+    bool m_tcp = false;
+    int m_port = 5432;
 };

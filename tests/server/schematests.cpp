@@ -15,7 +15,7 @@ private Q_SLOTS:
     void initTestCase()
     {
         QString error;
-        QVERIFY2(m_cluster.start(&error), qPrintable(error));
+        QVERIFY2(m_cluster.start(&error, true), qPrintable(error));
     }
 
     void initOnlyOnEmptyDatabases()
@@ -172,6 +172,33 @@ private Q_SLOTS:
         QVERIFY(!conn.open(conninfo, QString(), &error));
         QVERIFY2(error.contains(problem), qPrintable(error));
         QVERIFY(!error.contains(u"hunter2"_s));
+    }
+
+    void plainTcpIsRefused_data()
+    {
+        QTest::addColumn<QString>("sslmode");
+        QTest::addColumn<QString>("problem");
+        // Nothing said: the server must be verified, and this one offers no TLS at all.
+        QTest::newRow("default") << QString() << u"does not offer an encrypted connection"_s;
+        QTest::newRow("asked for plain") << u"disable"_s << u"is not encrypted"_s;
+        QTest::newRow("prefer falls back to plain") << u"prefer"_s << u"is not encrypted"_s;
+    }
+    void plainTcpIsRefused()
+    {
+        QFETCH(QString, sslmode);
+        QFETCH(QString, problem);
+        QString info = u"host=127.0.0.1 port=%1 dbname=fresh user=jen"_s.arg(m_cluster.port());
+        if (!sslmode.isEmpty())
+            info += u" sslmode="_s + sslmode;
+        Pg::Conn conn;
+        QString error;
+        QVERIFY(!conn.open(info, u"s3cret 'quoted\""_s, &error));
+        QVERIFY2(error.contains(problem), qPrintable(error));
+        QVERIFY(!conn.isOpen());
+        QVERIFY(!error.contains(u"s3cret"_s));
+        // The same login over the machine's own socket needs no TLS.
+        QVERIFY2(conn.open(m_cluster.conninfo(u"fresh"_s, u"jen"_s), u"s3cret 'quoted\""_s, &error),
+                 qPrintable(error));
     }
 
     void cleanupTestCase() { m_cluster.stop(); }

@@ -56,6 +56,14 @@ private Q_SLOTS:
         QCOMPARE(again.size(), records);
     }
 
+    void aSeatNeverWorksAsTheAdministrator()
+    {
+        Seat admin;
+        QVERIFY(!admin.open(m_server.cluster.conninfo(m_server.dbName), QString(), 8000));
+        QVERIFY2(admin.sync->problem().contains(u"administrator"_s), qPrintable(admin.sync->problem()));
+        QCOMPARE(admin.db->size(), 0);
+    }
+
     void changesReachTheOtherSeat()
     {
         Seat ann, ben;

@@ -31,6 +31,9 @@ QString plainConnectError(pg_conn *conn, const QString &conninfo)
         return u"the login is disabled on the company server ("_s + where + u')';
     if (raw.contains(u"does not exist"_s) && raw.contains(u"database"_s))
         return u"the company server ("_s + where + u") has no such database"_s;
+    if (raw.contains(u"does not support SSL"_s))
+        return u"the company server ("_s + where +
+               u") does not offer an encrypted connection; over a network Trestle connects only with TLS"_s;
     if (raw.contains(u"certificate"_s) || raw.contains(u"SSL"_s) || raw.contains(u"ssl"_s))
         return u"the company server's certificate could not be verified ("_s + where + u"): "_s +
                firstLine(PQerrorMessage(conn));

@@ -82,6 +82,18 @@ bool SyncWorker::connectNow()
         Q_EMIT offline(error);
         return false;
     }
+    // A seat works as a person: never as the server's administrator, and only as a login of the team.
+    const Pg::Result who =
+        m_conn.exec("SELECT current_setting('is_superuser'), (SELECT count(*) FROM trestle.whoami())");
+    if (who.ok() && (who.text(0, 0) == u"on" || who.text(0, 1) == u"0")) {
+        const QString login = m_conn.login();
+        m_conn.close();
+        Q_EMIT offline(who.text(0, 0) == u"on"
+                           ? u"Trestle does not work as the server's administrator ("_s + login +
+                                 u"); connect with your own login"_s
+                           : u"the login "_s + login + u" is not a member of the team on this server"_s);
+        return false;
+    }
     // A login the server no longer lets in (disabled, or no longer in the team) is told so plainly.
     if (const Pg::Result allowed = m_conn.exec("SELECT count(*) FROM trestle.changes_since(0, 0)");
         !allowed.ok()) {
