@@ -68,9 +68,25 @@ void HistoryPanel::showHistory(const QString &recId, const QList<HistoryLine> &l
         m_text->setText(u"The history could not be read: "_s + error.toHtmlEscaped());
         return;
     }
+    // Every keystroke is saved, so one person typing into one field leaves a run
+    // of lines; the panel shows each run as one change, from its first value to its last.
+    QList<HistoryLine> runs;
+    for (const HistoryLine &l : lines) {
+        if (!runs.isEmpty()) {
+            HistoryLine &last = runs.last();
+            if (last.login == l.login && last.field == l.field && last.newValue == l.oldValue &&
+                last.at.secsTo(l.at) <= 120) {
+                last.newValue = l.newValue;
+                last.at = l.at;
+                continue;
+            }
+        }
+        runs.append(l);
+    }
     // Newest first: the change the reader is after is usually the last one.
-    for (auto it = lines.crbegin(); it != lines.crend(); ++it)
-        m_lines.append(describe(m_db, m_sync, m_id, *it));
+    for (auto it = runs.crbegin(); it != runs.crend(); ++it)
+        if (it->oldValue != it->newValue)
+            m_lines.append(describe(m_db, m_sync, m_id, *it));
     m_text->setText(m_lines.isEmpty() ? u"No changes are recorded yet."_s : m_lines.join(u'\n'));
 }
 

@@ -8,7 +8,8 @@ class QLabel;
 class ServerSync;
 
 // A record's history on the company server: who changed which field when,
-// from what to what, as the seat's role may see it. Read when opened, and
+// from what to what, as the seat's role may see it; one person's run of saves
+// of one field (typing) shows as one change. Read when opened, and
 // again when the record changes while it is open.
 class HistoryPanel : public RecordPanel
 {

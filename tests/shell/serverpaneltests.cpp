@@ -55,6 +55,15 @@ private Q_SLOTS:
         QTRY_COMPARE_WITH_TIMEOUT(panel.lines().size(), 4, 5000);
         QVERIFY2(panel.lines().first().contains(u"Ann Ortiz  Status: (blank) → Answered"_s),
                  qPrintable(panel.lines().first()));
+        // Saved again at once (as typing saves), the run shows as one change.
+        a.f.insert(u"status"_s, u"Closed"_s);
+        m_ann.db->save(a);
+        QVERIFY(m_ann.sync->flush(5000));
+        QTRY_VERIFY_WITH_TIMEOUT(m_ben.db->find(rfi.id)->f.value(u"status") == u"Closed", 5000);
+        panel.refresh();
+        QTRY_VERIFY_WITH_TIMEOUT(panel.lines().first().contains(u"Ann Ortiz  Status: (blank) → Closed"_s),
+                                 5000);
+        QCOMPARE(panel.lines().size(), 4);
     }
 
     void anOwnerSeesAndShutsAMembersLogin()
