@@ -2,6 +2,7 @@
 
 #include "benchutil.h"
 
+#include "catalog/serverrules.h"
 #include "store/db.h"
 #include "store/server/pg.h"
 #include "store/server/serveradmin.h"
@@ -71,7 +72,7 @@ int runServerBench(const QString &localPath, const QString &conninfo, int seats,
         return 1;
     }
     QString message;
-    const ServerSchema::Init init = ServerSchema::init(admin, {}, &message);
+    const ServerSchema::Init init = ServerSchema::init(admin, ServerRules::fromCatalog(), &message);
     if (init == ServerSchema::Init::Refused || init == ServerSchema::Init::Failed) {
         out << "server: " << message << Qt::endl;
         return 1;
@@ -99,12 +100,14 @@ int runServerBench(const QString &localPath, const QString &conninfo, int seats,
             out << "server push: " << Bench::ms(elapsedMs(t)) << " ms  [" << summary << "]" << Qt::endl;
         }
     }
+    // Logins belong to the whole server, so each run names its own.
+    const QString prefix = u"bench"_s + QString::number(QCoreApplication::applicationPid()) + u'-';
     for (int k = 0; k <= seats; ++k)
-        if (!ServerAdmin::addLogin(admin, u"bench"_s + QString::number(k), memberId, kPassword, &error)) {
+        if (!ServerAdmin::addLogin(admin, prefix + QString::number(k), memberId, kPassword, &error)) {
             out << "server logins: " << error << Qt::endl;
             return 1;
         }
-    auto seatInfo = [&](int k) -> QString { return conninfo + u" user=bench"_s + QString::number(k); };
+    auto seatInfo = [&](int k) -> QString { return conninfo + u" user="_s + prefix + QString::number(k); };
 
     QTemporaryDir dir;
     const QString firstCache = dir.filePath(u"first.sqlite"_s);

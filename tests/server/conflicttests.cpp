@@ -12,11 +12,7 @@ class ConflictTests : public QObject
 
     // Takes Ann's seat off the server (a wrong password), so both can change
     // the same record before either hears of the other.
-    void annOffline()
-    {
-        m_ann.sync->setPassword(u"wrong"_s);
-        QTRY_VERIFY_WITH_TIMEOUT(m_ann.sync->state() == ServerSync::State::Offline, 5000);
-    }
+    void annOffline() { QVERIFY(m_ann.goOffline()); }
     void annBack()
     {
         m_ann.sync->setPassword(u"pw-ann"_s);
@@ -43,13 +39,9 @@ private Q_SLOTS:
     {
         const Rec co = shared({{u"title"_s, u"Extra footing"_s}, {u"number"_s, u"7"_s}});
         annOffline();
-        Rec b = *m_ben.db->get(co.id);
-        b.f.insert(u"title"_s, u"Extra footing at grid 4"_s);
-        m_ben.db->save(b);
+        m_ben.edit(co.id, u"title"_s, u"Extra footing at grid 4"_s);
         QTRY_COMPARE_WITH_TIMEOUT(m_ben.sync->waiting(), 0, 5000);
-        Rec a = *m_ann.db->get(co.id);
-        a.f.insert(u"title"_s, u"Deeper footing"_s);
-        m_ann.db->save(a);
+        m_ann.edit(co.id, u"title"_s, u"Deeper footing"_s);
         annBack();
         // Ann's save reached the server later, so it stands everywhere...
         QTRY_COMPARE_WITH_TIMEOUT(m_ben.db->find(co.id)->f.value(u"title"), u"Deeper footing"_s, 8000);

@@ -29,6 +29,20 @@ struct Seat
         sync->start(password);
         return sync->waitCaughtUp(ms);
     }
+    // Takes the seat off the server (a wrong password), so it works on its own
+    // copy as a laptop on a site would; true once it is offline.
+    bool goOffline()
+    {
+        sync->setPassword(QStringLiteral("wrong"));
+        return QTest::qWaitFor([&] { return sync->state() == ServerSync::State::Offline; }, 5000);
+    }
+    // Changes one field of a record on this seat.
+    void edit(const QString &id, const QString &key, const QString &value)
+    {
+        Rec r = *db->get(id);
+        r.f.insert(key, value);
+        db->save(r);
+    }
     void close()
     {
         sync.reset();

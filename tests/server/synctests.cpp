@@ -96,14 +96,9 @@ private Q_SLOTS:
                                     {{u"title"_s, u"Beam size"_s}, {u"question"_s, u"W8 or W10?"_s}});
         QTRY_VERIFY_WITH_TIMEOUT(ben.db->find(rfi.id), 5000);
         // Both edit before either hears of the other.
-        ann.sync->setPassword(u"wrong"_s);
-        QTRY_VERIFY_WITH_TIMEOUT(ann.sync->state() == ServerSync::State::Offline, 5000);
-        Rec a = *ann.db->get(rfi.id);
-        a.f.insert(u"title"_s, u"Beam size at grid C"_s);
-        ann.db->save(a);
-        Rec b = *ben.db->get(rfi.id);
-        b.f.insert(u"question"_s, u"W10 with a 1/2 in plate?"_s);
-        ben.db->save(b);
+        QVERIFY(ann.goOffline());
+        ann.edit(rfi.id, u"title"_s, u"Beam size at grid C"_s);
+        ben.edit(rfi.id, u"question"_s, u"W10 with a 1/2 in plate?"_s);
         QTRY_COMPARE_WITH_TIMEOUT(ben.sync->waiting(), 0, 5000);
         ann.sync->setPassword(u"pw-ann"_s);
         for (Seat *s : {&ann, &ben})

@@ -82,15 +82,10 @@ private Q_SLOTS:
                                    {{u"title"_s, u"Extra footing"_s}, {u"amount"_s, u"125000"_s}});
         QTRY_VERIFY_WITH_TIMEOUT(ann.db->find(co.id), 8000);
         // Ann works offline for a moment, so both change the same amount.
-        ann.sync->setPassword(u"wrong"_s);
-        QTRY_VERIFY_WITH_TIMEOUT(ann.sync->state() == ServerSync::State::Offline, 5000);
-        Rec b = *ben.db->get(co.id);
-        b.f.insert(u"title"_s, u"Extra footing, grid 4"_s);
-        ben.db->save(b);
+        QVERIFY(ann.goOffline());
+        ben.edit(co.id, u"title"_s, u"Extra footing, grid 4"_s);
         QTRY_COMPARE_WITH_TIMEOUT(ben.sync->waiting(), 0, 5000);
-        Rec a = *ann.db->get(co.id);
-        a.f.insert(u"title"_s, u"Deeper footing"_s);
-        ann.db->save(a);
+        ann.edit(co.id, u"title"_s, u"Deeper footing"_s);
         ann.sync->setPassword(u"pw-ann"_s);
         QTRY_COMPARE_WITH_TIMEOUT(bar.texts().size(), 1, 10000);
         QVERIFY(!bar.isHidden());

@@ -168,6 +168,8 @@ bool Conn::open(const QString &conninfo, const QString &password, QString *error
         close();
         return false;
     }
+    // The server's notices ("role already a member", ...) are not for the person at the terminal.
+    PQsetNoticeProcessor(m_conn, [](void *, const char *) {}, nullptr);
     exec("SET client_encoding = 'UTF8'");
     return true;
 }

@@ -158,6 +158,34 @@ CREATE FUNCTION trestle.firm_scope(p_login text) RETURNS TABLE (id text) LANGUAG
   UNION SELECT me.company FROM me
 $$;
 
+-- Whether one record is in the login's firm scope, without working out the whole scope.
+CREATE FUNCTION trestle.in_firm(p_login text, p_id text) RETURNS boolean LANGUAGE plpgsql STABLE AS $$
+DECLARE
+  me record;
+  r trestle.recs;
+BEGIN
+  SELECT m.id AS member, m.company, coalesce(m.f->>'firm', '') AS firm INTO me
+  FROM trestle.logins l JOIN trestle.recs m ON m.id = l.member WHERE l.login = p_login;
+  IF NOT FOUND THEN
+    RETURN false;
+  END IF;
+  IF p_id = me.member OR p_id = me.company OR (me.firm <> '' AND p_id = me.firm) THEN
+    RETURN true;
+  END IF;
+  IF me.firm = '' THEN
+    RETURN false;
+  END IF;
+  SELECT * INTO r FROM trestle.recs x WHERE x.id = p_id;
+  IF NOT FOUND THEN
+    RETURN false;
+  END IF;
+  RETURN EXISTS (SELECT 1 FROM jsonb_each_text(r.f) e WHERE e.value = me.firm)
+      OR (r.parent <> '' AND EXISTS (SELECT 1 FROM trestle.recs p, jsonb_each_text(p.f) e
+                                     WHERE p.id = r.parent AND e.value = me.firm))
+      OR (r.kind = 'project' AND EXISTS (SELECT 1 FROM trestle.recs o, jsonb_each_text(o.f) e
+                                         WHERE o.project = r.id AND o.company = r.company AND e.value = me.firm));
+END $$;
+
 CREATE FUNCTION trestle.own_firm(p_role text) RETURNS boolean LANGUAGE sql STABLE AS $$
   SELECT coalesce((SELECT x.own_firm FROM trestle.roles x WHERE x.role = trestle.rule_role(p_role)), false)
 $$;
@@ -193,12 +221,21 @@ DECLARE
   hide boolean := coalesce((SELECT x.hide_money FROM trestle.roles x WHERE x.role = rr), false);
   firm_only boolean := trestle.own_firm(me);
 BEGIN
+  IF firm_only THEN
+    RETURN QUERY
+    SELECT CASE WHEN hide THEN trestle.rec_json_for(me, r) ELSE trestle.rec_json(r) END, r.version, r.pos,
+           r.deleted, r.changed_by, r.changed_at
+    FROM trestle.recs r
+    WHERE r.pos > p_pos AND (NOT limited OR r.kind IN (SELECT x.kind FROM trestle.role_read x WHERE x.role = rr))
+      AND r.id IN (SELECT s.id FROM trestle.firm_scope(session_user) s)
+    ORDER BY r.pos LIMIT p_limit;
+    RETURN;
+  END IF;
   RETURN QUERY
   SELECT CASE WHEN hide THEN trestle.rec_json_for(me, r) ELSE trestle.rec_json(r) END, r.version, r.pos,
          r.deleted, r.changed_by, r.changed_at
   FROM trestle.recs r
   WHERE r.pos > p_pos AND (NOT limited OR r.kind IN (SELECT x.kind FROM trestle.role_read x WHERE x.role = rr))
-    AND (NOT firm_only OR r.id IN (SELECT s.id FROM trestle.firm_scope(session_user) s))
   ORDER BY r.pos LIMIT p_limit;
 END $$;
 
@@ -212,7 +249,7 @@ BEGIN
   RETURN QUERY
   SELECT trestle.rec_json_for(me, r), r.version, r.pos, r.deleted, r.changed_by, r.changed_at
   FROM trestle.recs r WHERE r.id = p_id AND trestle.can_read(me, r.kind)
-    AND (NOT trestle.own_firm(me) OR r.id IN (SELECT s.id FROM trestle.firm_scope(session_user) s));
+    AND (NOT trestle.own_firm(me) OR trestle.in_firm(session_user, r.id));
 END $$;
 
 DROP FUNCTION trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean);
@@ -240,8 +277,10 @@ BEGIN
   IF NOT trestle.can_write(me, p_kind) OR (had AND NOT trestle.can_write(me, cur.kind)) THEN
     RAISE EXCEPTION 'the % role may not change records of the kind %', me, p_kind USING ERRCODE = '42501';
   END IF;
-  IF had AND trestle.own_firm(me) AND p_id NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s) THEN
-    RAISE EXCEPTION 'this record is not your firm''s' USING ERRCODE = '42501';
+  IF had AND trestle.own_firm(me) THEN
+    IF NOT trestle.in_firm(session_user, p_id) THEN
+      RAISE EXCEPTION 'this record is not your firm''s' USING ERRCODE = '42501';
+    END IF;
   END IF;
   -- Fields the role cannot see are kept as the server has them, whatever the seat sent.
   nf := trestle.visible_f(me, p_kind, p_f);
@@ -276,8 +315,10 @@ BEGIN
     PERFORM trestle.sync_login_groups(p_id);
   END IF;
   -- What a firm's login writes must stay its firm's: a new record names the firm or hangs from its work.
-  IF trestle.own_firm(me) AND p_id NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s) THEN
-    RAISE EXCEPTION 'a record your firm writes must name your firm' USING ERRCODE = '42501';
+  IF trestle.own_firm(me) THEN
+    IF NOT trestle.in_firm(session_user, p_id) THEN
+      RAISE EXCEPTION 'a record your firm writes must name your firm' USING ERRCODE = '42501';
+    END IF;
   END IF;
   RETURN QUERY SELECT st, trestle.rec_json_for(me, r), r.version, r.pos, r.deleted, r.changed_by, r.changed_at
                FROM trestle.recs r WHERE r.id = p_id;
@@ -299,8 +340,7 @@ BEGIN
     RETURN QUERY SELECT 'ok'::text, NULL::text, 0::bigint, 0::bigint, true, session_user::text, now();
     RETURN;
   END IF;
-  IF NOT trestle.can_write(me, cur.kind)
-     OR (trestle.own_firm(me) AND p_id NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s)) THEN
+  IF NOT trestle.can_write(me, cur.kind) OR (trestle.own_firm(me) AND NOT trestle.in_firm(session_user, p_id)) THEN
     RAISE EXCEPTION 'the % role may not remove this record', me USING ERRCODE = '42501';
   END IF;
   IF cur.deleted OR (cur.version <> p_base AND NOT p_force) THEN
@@ -322,8 +362,7 @@ DECLARE
   me text := trestle.require_login();
   k text := (SELECT r.kind FROM trestle.recs r WHERE r.id = p_rec);
 BEGIN
-  IF k IS NULL OR NOT trestle.can_read(me, k)
-     OR (trestle.own_firm(me) AND p_rec NOT IN (SELECT s.id FROM trestle.firm_scope(session_user) s)) THEN
+  IF k IS NULL OR NOT trestle.can_read(me, k) OR (trestle.own_firm(me) AND NOT trestle.in_firm(session_user, p_rec)) THEN
     RETURN;
   END IF;
   RETURN QUERY
