@@ -169,7 +169,8 @@ bool Conn::open(const QString &conninfo, const QString &password, QString *error
         return false;
     }
     // The server's notices ("role already a member", ...) are not for the person at the terminal.
-    PQsetNoticeProcessor(m_conn, [](void *, const char *) {}, nullptr);
+    PQsetNoticeProcessor(
+        m_conn, [](void *, const char *) {}, nullptr);
     exec("SET client_encoding = 'UTF8'");
     return true;
 }
