@@ -200,7 +200,8 @@ void DB::closeConnection()
     m_insert = nullptr;
     sqlite3_finalize(m_delete);
     m_delete = nullptr;
-    sqlite3_close(m_db);
+    // A statement another part still holds closes the file when it is finalized.
+    sqlite3_close_v2(m_db);
     m_db = nullptr;
 }
 

@@ -18,14 +18,28 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A prepared statement that finalizes itself.
+// A statement of the cache's, prepared once and reset after each use: a
+// first open applies hundreds of thousands of rows, and preparing each
+// statement anew cost more than running it.
 struct Stmt
 {
     sqlite3_stmt *s = nullptr;
-    Stmt(sqlite3 *db, const char *sql, const QList<QByteArray> &params)
+    bool owned = false; // a second use while the cached one still runs gets its own
+    Stmt(SeatCache::Statements &cache, sqlite3 *db, const char *sql, const QList<QByteArray> &params)
     {
-        if (sqlite3_prepare_v2(db, sql, -1, &s, nullptr) != SQLITE_OK)
+        auto it = cache.find(sql);
+        if (it != cache.end() && !sqlite3_stmt_busy(it->second)) {
+            s = it->second;
+        } else if (sqlite3_prepare_v3(db, sql, -1, SQLITE_PREPARE_PERSISTENT, &s, nullptr) == SQLITE_OK) {
+            if (it == cache.end())
+                cache.emplace(sql, s);
+            else
+                owned = true;
+        } else {
+            sqlite3_finalize(s);
+            s = nullptr;
             return;
+        }
         for (int k = 0; k < params.size(); ++k) {
             const QByteArray &p = params.at(k);
             if (p.isNull())
@@ -34,7 +48,15 @@ struct Stmt
                 sqlite3_bind_text(s, k + 1, p.constData(), int(p.size()), SQLITE_TRANSIENT);
         }
     }
-    ~Stmt() { sqlite3_finalize(s); }
+    ~Stmt()
+    {
+        if (owned) {
+            sqlite3_finalize(s);
+        } else if (s) {
+            sqlite3_reset(s);
+            sqlite3_clear_bindings(s);
+        }
+    }
     Stmt(const Stmt &) = delete;
     Stmt &operator=(const Stmt &) = delete;
     bool row() { return s && sqlite3_step(s) == SQLITE_ROW; }
@@ -101,6 +123,8 @@ SeatCache::SeatCache(DB &db)
 
 SeatCache::~SeatCache()
 {
+    for (const auto &[sql, stmt] : m_stmts)
+        sqlite3_finalize(stmt);
     if (m_db.m_seat == this)
         m_db.m_seat = nullptr;
 }
@@ -109,7 +133,7 @@ bool SeatCache::exec(const char *sql, const QList<QByteArray> &params) const
 {
     if (!m_conn)
         return false;
-    Stmt st(m_conn, sql, params);
+    Stmt st(m_stmts, m_conn, sql, params);
     if (!st.s)
         return false;
     const int rc = sqlite3_step(st.s);
@@ -122,7 +146,7 @@ bool SeatCache::exec(const char *sql, const QList<QByteArray> &params) const
 
 QString SeatCache::meta(const QString &key) const
 {
-    Stmt st(m_conn, "SELECT value FROM srv_meta WHERE key = ?", {key.toUtf8()});
+    Stmt st(m_stmts, m_conn, "SELECT value FROM srv_meta WHERE key = ?", {key.toUtf8()});
     return st.row() ? st.text(0) : QString();
 }
 
@@ -150,7 +174,7 @@ bool SeatCache::noteChange(const QString &id, bool removed)
 QList<OutItem> SeatCache::pending(int limit) const
 {
     QList<OutItem> out;
-    Stmt st(m_conn,
+    Stmt st(m_stmts, m_conn,
             "SELECT seq, id, removed, gen, base_version, force, notices FROM srv_outbox ORDER BY seq LIMIT ?",
             {num(limit)});
     while (st.row()) {
@@ -176,13 +200,14 @@ QList<OutItem> SeatCache::pending(int limit) const
 
 qsizetype SeatCache::waiting() const
 {
-    Stmt st(m_conn, "SELECT count(*) FROM srv_outbox", {});
+    Stmt st(m_stmts, m_conn, "SELECT count(*) FROM srv_outbox", {});
     return st.row() ? qsizetype(st.number(0)) : 0;
 }
 
 std::optional<SeatCache::Outbox> SeatCache::outbox(const QString &id) const
 {
-    Stmt st(m_conn, "SELECT removed, gen, base_version, base_json, notices FROM srv_outbox WHERE id = ?",
+    Stmt st(m_stmts, m_conn,
+            "SELECT removed, gen, base_version, base_json, notices FROM srv_outbox WHERE id = ?",
             {id.toUtf8()});
     if (!st.row())
         return std::nullopt;
@@ -198,7 +223,7 @@ std::optional<SeatCache::Outbox> SeatCache::outbox(const QString &id) const
 
 qint64 SeatCache::knownVersion(const QString &id) const
 {
-    Stmt st(m_conn, "SELECT version FROM srv_ver WHERE id = ?", {id.toUtf8()});
+    Stmt st(m_stmts, m_conn, "SELECT version FROM srv_ver WHERE id = ?", {id.toUtf8()});
     return st.row() ? st.number(0) : -1;
 }
 
@@ -434,7 +459,7 @@ QList<SeatNotice> SeatCache::takeNotices()
 QHash<QString, SeatCache::FileState> SeatCache::files() const
 {
     QHash<QString, FileState> out;
-    Stmt st(m_conn, "SELECT company, name, server_sha, local_sha, size, mtime FROM srv_files", {});
+    Stmt st(m_stmts, m_conn, "SELECT company, name, server_sha, local_sha, size, mtime FROM srv_files", {});
     while (st.row()) {
         FileState f;
         f.serverSha = st.text(2);

@@ -4,11 +4,13 @@
 #include <QtCore/QHash>
 
 #include <functional>
+#include <unordered_map>
 
 #include <optional>
 
 class DB;
 struct sqlite3;
+struct sqlite3_stmt;
 
 // Something the person at this seat should know about what became of their work.
 struct SeatNotice
@@ -44,6 +46,9 @@ public:
     ~SeatCache();
     SeatCache(const SeatCache &) = delete;
     SeatCache &operator=(const SeatCache &) = delete;
+
+    // Prepared statements by their SQL text, kept for the life of the cache.
+    using Statements = std::unordered_map<const char *, sqlite3_stmt *>;
 
     // Whether the tables could be made (the file is writable and healthy).
     bool ok() const { return m_ok; }
@@ -120,6 +125,7 @@ private:
 
     DB &m_db;
     sqlite3 *m_conn = nullptr;
+    mutable Statements m_stmts;
     bool m_ok = false;
     // Memory changes of the open transaction: a record to put, or an id to drop.
     QList<Rec> m_puts;
