@@ -59,7 +59,15 @@ public:
             *error = QStringLiteral("could not write pg_hba.conf");
             return false;
         }
-        return startServer(error);
+        // A port another program holds is passed over for the next.
+        for (int tries = 0; tries < 5; ++tries) {
+            if (startServer(error))
+                return true;
+            if (!m_tcp)
+                return false;
+            m_port += 101;
+        }
+        return false;
     }
 
     // Starts the stopped server again on the same data.
