@@ -196,6 +196,8 @@ QString DB::appFolder()
 
 void DB::closeConnection()
 {
+    if (m_seat)
+        m_seat->finalizeStatements();
     sqlite3_finalize(m_insert);
     m_insert = nullptr;
     sqlite3_finalize(m_delete);

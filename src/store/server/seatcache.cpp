@@ -105,10 +105,9 @@ QList<OutNotice> noticesFrom(const QByteArray &json)
 
 SeatCache::SeatCache(DB &db)
     : m_db(db)
-    , m_conn(db.m_db)
 {
     m_ok =
-        m_conn && db.isOpen() &&
+        m_db.m_db && db.isOpen() &&
         exec("CREATE TABLE IF NOT EXISTS srv_meta (key TEXT PRIMARY KEY, value TEXT NOT NULL)") &&
         exec("CREATE TABLE IF NOT EXISTS srv_ver (id TEXT PRIMARY KEY, version INTEGER NOT NULL)") &&
         exec("CREATE TABLE IF NOT EXISTS srv_outbox (seq INTEGER PRIMARY KEY AUTOINCREMENT, id TEXT NOT NULL "
@@ -123,22 +122,28 @@ SeatCache::SeatCache(DB &db)
 
 SeatCache::~SeatCache()
 {
-    for (const auto &[sql, stmt] : m_stmts)
-        sqlite3_finalize(stmt);
+    finalizeStatements();
     if (m_db.m_seat == this)
         m_db.m_seat = nullptr;
 }
 
+void SeatCache::finalizeStatements()
+{
+    for (const auto &[sql, stmt] : m_stmts)
+        sqlite3_finalize(stmt);
+    m_stmts.clear();
+}
+
 bool SeatCache::exec(const char *sql, const QList<QByteArray> &params) const
 {
-    if (!m_conn)
+    if (!m_db.m_db)
         return false;
-    Stmt st(m_stmts, m_conn, sql, params);
+    Stmt st(m_stmts, m_db.m_db, sql, params);
     if (!st.s)
         return false;
     const int rc = sqlite3_step(st.s);
     if (rc != SQLITE_DONE && rc != SQLITE_ROW) {
-        m_db.m_lastCode = sqlite3_extended_errcode(m_conn);
+        m_db.m_lastCode = sqlite3_extended_errcode(m_db.m_db);
         return false;
     }
     return true;
@@ -146,7 +151,7 @@ bool SeatCache::exec(const char *sql, const QList<QByteArray> &params) const
 
 QString SeatCache::meta(const QString &key) const
 {
-    Stmt st(m_stmts, m_conn, "SELECT value FROM srv_meta WHERE key = ?", {key.toUtf8()});
+    Stmt st(m_stmts, m_db.m_db, "SELECT value FROM srv_meta WHERE key = ?", {key.toUtf8()});
     return st.row() ? st.text(0) : QString();
 }
 
@@ -174,7 +179,7 @@ bool SeatCache::noteChange(const QString &id, bool removed)
 QList<OutItem> SeatCache::pending(int limit) const
 {
     QList<OutItem> out;
-    Stmt st(m_stmts, m_conn,
+    Stmt st(m_stmts, m_db.m_db,
             "SELECT seq, id, removed, gen, base_version, force, notices FROM srv_outbox ORDER BY seq LIMIT ?",
             {num(limit)});
     while (st.row()) {
@@ -200,13 +205,13 @@ QList<OutItem> SeatCache::pending(int limit) const
 
 qsizetype SeatCache::waiting() const
 {
-    Stmt st(m_stmts, m_conn, "SELECT count(*) FROM srv_outbox", {});
+    Stmt st(m_stmts, m_db.m_db, "SELECT count(*) FROM srv_outbox", {});
     return st.row() ? qsizetype(st.number(0)) : 0;
 }
 
 std::optional<SeatCache::Outbox> SeatCache::outbox(const QString &id) const
 {
-    Stmt st(m_stmts, m_conn,
+    Stmt st(m_stmts, m_db.m_db,
             "SELECT removed, gen, base_version, base_json, notices FROM srv_outbox WHERE id = ?",
             {id.toUtf8()});
     if (!st.row())
@@ -223,7 +228,7 @@ std::optional<SeatCache::Outbox> SeatCache::outbox(const QString &id) const
 
 qint64 SeatCache::knownVersion(const QString &id) const
 {
-    Stmt st(m_stmts, m_conn, "SELECT version FROM srv_ver WHERE id = ?", {id.toUtf8()});
+    Stmt st(m_stmts, m_db.m_db, "SELECT version FROM srv_ver WHERE id = ?", {id.toUtf8()});
     return st.row() ? st.number(0) : -1;
 }
 
@@ -317,8 +322,8 @@ bool SeatCache::commitToMemory(bool ok)
 {
     ok = ok && exec("COMMIT");
     if (!ok) {
-        if (!sqlite3_get_autocommit(m_conn))
-            sqlite3_exec(m_conn, "ROLLBACK", nullptr, nullptr, nullptr);
+        if (!sqlite3_get_autocommit(m_db.m_db))
+            sqlite3_exec(m_db.m_db, "ROLLBACK", nullptr, nullptr, nullptr);
         m_puts.clear();
         m_drops.clear();
         return false;
@@ -459,7 +464,8 @@ QList<SeatNotice> SeatCache::takeNotices()
 QHash<QString, SeatCache::FileState> SeatCache::files() const
 {
     QHash<QString, FileState> out;
-    Stmt st(m_stmts, m_conn, "SELECT company, name, server_sha, local_sha, size, mtime FROM srv_files", {});
+    Stmt st(m_stmts, m_db.m_db, "SELECT company, name, server_sha, local_sha, size, mtime FROM srv_files",
+            {});
     while (st.row()) {
         FileState f;
         f.serverSha = st.text(2);

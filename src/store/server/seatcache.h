@@ -50,6 +50,9 @@ public:
     // Prepared statements by their SQL text, kept for the life of the cache.
     using Statements = std::unordered_map<const char *, sqlite3_stmt *>;
 
+    // Lets go of the prepared statements, so the store's file can close cleanly.
+    void finalizeStatements();
+
     // Whether the tables could be made (the file is writable and healthy).
     bool ok() const { return m_ok; }
 
@@ -124,7 +127,6 @@ private:
     bool commitToMemory(bool ok);
 
     DB &m_db;
-    sqlite3 *m_conn = nullptr;
     mutable Statements m_stmts;
     bool m_ok = false;
     // Memory changes of the open transaction: a record to put, or an id to drop.
