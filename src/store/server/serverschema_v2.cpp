@@ -210,7 +210,7 @@ BEGIN
   END LOOP;
 END $$;
 
-DROP FUNCTION trestle.changes_since(bigint, integer);
+DROP FUNCTION IF EXISTS trestle.changes_since(bigint, integer);
 CREATE FUNCTION trestle.changes_since(p_pos bigint, p_limit integer)
 RETURNS TABLE (rec text, version bigint, pos bigint, deleted boolean, changed_by text, changed_at timestamptz)
 LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
@@ -239,7 +239,7 @@ BEGIN
   ORDER BY r.pos LIMIT p_limit;
 END $$;
 
-DROP FUNCTION trestle.rec(text);
+DROP FUNCTION IF EXISTS trestle.rec(text);
 CREATE FUNCTION trestle.rec(p_id text)
 RETURNS TABLE (rec text, version bigint, pos bigint, deleted boolean, changed_by text, changed_at timestamptz)
 LANGUAGE plpgsql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
@@ -252,7 +252,7 @@ BEGIN
     AND (NOT trestle.own_firm(me) OR trestle.in_firm(session_user, r.id));
 END $$;
 
-DROP FUNCTION trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean);
+DROP FUNCTION IF EXISTS trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean);
 CREATE FUNCTION trestle.put_rec(p_id text, p_base bigint, p_company text, p_kind text, p_project text,
                                 p_parent text, p_created double precision, p_updated double precision,
                                 p_f jsonb, p_force boolean)
@@ -324,7 +324,7 @@ BEGIN
                FROM trestle.recs r WHERE r.id = p_id;
 END $$;
 
-DROP FUNCTION trestle.remove_rec(text, bigint, boolean);
+DROP FUNCTION IF EXISTS trestle.remove_rec(text, bigint, boolean);
 CREATE FUNCTION trestle.remove_rec(p_id text, p_base bigint, p_force boolean)
 RETURNS TABLE (status text, rec text, version bigint, pos bigint, deleted boolean, changed_by text,
                changed_at timestamptz)
@@ -382,7 +382,7 @@ BEGIN
   WHERE n.for_login = session_user AND n.id > p_id ORDER BY n.id;
 END $$;
 
-DROP FUNCTION trestle.whoami();
+DROP FUNCTION IF EXISTS trestle.whoami();
 CREATE FUNCTION trestle.whoami(OUT login text, OUT company text, OUT member text, OUT role text)
 LANGUAGE sql STABLE SECURITY DEFINER SET search_path = trestle, pg_temp AS $$
   SELECT session_user::text, l.company, l.member, trestle.my_role() FROM trestle.logins l
@@ -479,7 +479,8 @@ REVOKE ALL ON ALL FUNCTIONS IN SCHEMA trestle FROM PUBLIC;
 GRANT EXECUTE ON FUNCTION trestle.changes_since(bigint, integer), trestle.rec(text),
   trestle.put_rec(text, bigint, text, text, text, text, double precision, double precision, jsonb, boolean),
   trestle.remove_rec(text, bigint, boolean), trestle.history_of(text), trestle.notices_since(bigint),
-  trestle.whoami(), trestle.login_list(), trestle.manage_login(text, text, text, text) TO trestle_member;
+  trestle.whoami(), trestle.login_list(), trestle.manage_login(text, text, text, text), trestle.get_blob(text),
+  trestle.files_since(bigint) TO trestle_member;
 )SQL";
 
 } // namespace ServerSchemaSQL
