@@ -3,6 +3,7 @@
 #include "chrome.h"
 #include "fwui.h"
 #include "icons.h"
+#include "tones.h"
 
 #include <QtGui/QPainter>
 
@@ -57,22 +58,22 @@ void FWChromeButton::paintEvent(QPaintEvent *)
     p.setRenderHint(QPainter::Antialiasing);
     const QRectF r = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     const bool down = isDown() || isChecked();
+    const FWTones &tones = FWTones::current();
     if (m_prominent) {
         QLinearGradient g(r.topLeft(), r.bottomLeft());
-        g.setColorAt(0, t.accent2);
-        g.setColorAt(1, t.accent.darker(down ? 130 : 105));
+        g.setColorAt(0, tones.prominentStops[down ? 1 : 0]);
+        g.setColorAt(1, tones.prominentStops[down ? 0 : 1]);
         p.setBrush(g);
     } else {
         p.setBrush(Chrome::metal(r, down));
     }
-    QColor edge = m_hover || hasFocus() ? t.accent : t.metalHi;
-    edge.setAlphaF(m_hover || hasFocus() ? 0.8 : 0.35);
-    p.setPen(QPen(edge, 1));
+    // The edge sets the button off from what surrounds it; the focus ring is drawn around it.
+    p.setPen(QPen(m_hover ? tones.focus : tones.edge, 1));
     const qreal radius = r.height() / 2;
     p.drawRoundedRect(r, radius, radius);
 
     // Dark ink on the bright accent, the finish's text on metal.
-    const QColor ink = m_prominent ? t.deep : (isEnabled() ? t.text : t.dim);
+    const QColor ink = m_prominent ? tones.onAccent : (isEnabled() ? t.text : t.dim);
     const bool showText = !(m_compact && !m_symbol.isEmpty()) && !text().isEmpty();
     const QFont f = ui.font(12.5, QFont::DemiBold);
     const int icon = m_symbol.isEmpty() ? 0 : ui.px(14);

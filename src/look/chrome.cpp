@@ -1,6 +1,7 @@
 #include "chrome.h"
 
 #include "fwui.h"
+#include "tones.h"
 
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
@@ -11,16 +12,12 @@ namespace Chrome {
 
 QLinearGradient metal(const QRectF &rect, bool pressed)
 {
-    const FWTheme &t = FWUI::shared().theme();
+    // The stops come from the tones, which keep the finish's text readable over all of them.
+    const FWTones &tones = FWTones::current();
     QLinearGradient g(rect.topLeft(), rect.bottomLeft());
-    QColor hi = t.metalMid.lighter(pressed ? 100 : 118);
-    QColor lo = t.metalLo;
-    if (pressed)
-        std::swap(hi, lo);
-    g.setColorAt(0, hi);
-    g.setColorAt(0.55, QColor::fromRgbF((hi.redF() + lo.redF()) / 2, (hi.greenF() + lo.greenF()) / 2,
-                                        (hi.blueF() + lo.blueF()) / 2));
-    g.setColorAt(1, lo);
+    g.setColorAt(0, tones.metalStops[pressed ? 2 : 0]);
+    g.setColorAt(0.55, tones.metalStops[1]);
+    g.setColorAt(1, tones.metalStops[pressed ? 0 : 2]);
     return g;
 }
 

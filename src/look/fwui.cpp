@@ -1,5 +1,8 @@
 #include "fwui.h"
 
+#include "contrast.h"
+#include "desktopscheme.h"
+
 #include <QtCore/QSettings>
 #include <QtGui/QGuiApplication>
 
@@ -11,6 +14,7 @@ namespace {
 
 const QString themeKey = u"fenwright.ui.theme"_s;
 const QString zoomKey = u"fenwright.ui.zoom"_s;
+const QString lightId = u"brushed-aluminum"_s;
 
 QSettings settings()
 {
@@ -22,7 +26,10 @@ FWTheme finish(const QString &id, const QString &name, std::initializer_list<con
     QList<QColor> c;
     for (const char *h : hex)
         c.append(QColor::fromString(QLatin1StringView(h)));
-    return {id, name, c[0], c[1], c[2], c[3], c[4], c[5], c[6], c[7], c[8], c[9], c[10], c[11]};
+    FWTheme t{id, name, c[0], c[1], c[2], c[3], c[4], c[5], c[6], c[7], c[8], c[9], c[10], c[11]};
+    // Secondary text and labels sit on every background of the finish: keep them readable on all.
+    t.dim = Contrast::reachingAll(t.dim, {t.deep, t.base, t.panel, t.raised, t.well}, Contrast::kText);
+    return t;
 }
 
 } // namespace
@@ -48,6 +55,10 @@ const QList<FWTheme> &FWTheme::all()
         finish(u"graphite-gray"_s, u"Graphite Gray"_s,
                {"#1C1D1F", "#333437", "#3E4043", "#525357", "#F7F7FA", "#9EA1A8", "#474A4F", "#FFB238",
                 "#FFD973", "#F7F7FA", "#B2B5BD", "#111112"}),
+        // The light finish, for a bright site trailer and for desktops set to a light look.
+        finish(lightId, u"Brushed Aluminum"_s,
+               {"#C3CBD5", "#E3E8EE", "#F1F4F7", "#FFFFFF", "#FFFFFF", "#C9D2DD", "#AEB9C7", "#0A5BB0",
+                "#1E6FC4", "#111820", "#4B5768", "#FFFFFF"}),
     };
     return list;
 }
@@ -63,6 +74,7 @@ const FWTheme &FWTheme::byId(QStringView id)
 FWUI::FWUI(QObject *parent)
     : QObject(parent)
     , m_theme(&FWTheme::byId(settings().value(themeKey).toString()))
+    , m_followsDesktop(!settings().contains(themeKey))
 {
     const double stored = settings().value(zoomKey).toDouble();
     m_zoom =
@@ -71,7 +83,11 @@ FWUI::FWUI(QObject *parent)
 
 FWUI &FWUI::shared()
 {
-    static FWUI *ui = new FWUI(qApp);
+    static FWUI *ui = [] {
+        auto *made = new FWUI(qApp);
+        DesktopScheme::watch(made, [made](bool light) { made->setDesktopPrefersLight(light); });
+        return made;
+    }();
     return *ui;
 }
 
@@ -103,6 +119,18 @@ void FWUI::setTheme(const QString &id)
     const FWTheme *next = &FWTheme::byId(id);
     QSettings s = settings();
     s.setValue(themeKey, next->id);
+    m_followsDesktop = false;
+    choose(next);
+}
+
+void FWUI::setDesktopPrefersLight(bool light)
+{
+    if (m_followsDesktop)
+        choose(light ? &FWTheme::byId(lightId) : &FWTheme::all().first());
+}
+
+void FWUI::choose(const FWTheme *next)
+{
     if (next == m_theme)
         return;
     m_theme = next;

@@ -15,7 +15,7 @@ struct FWTheme
     QColor accent, accent2;
     QColor text, dim, well;
 
-    // The six finishes in menu order; the first is the default.
+    // The finishes in menu order: the six dark ones, the first being the default, then the light one.
     static const QList<FWTheme> &all();
     // The finish with that id, or the first finish for an unknown id.
     static const FWTheme &byId(QStringView id);
@@ -44,6 +44,11 @@ public:
     double zoom() const { return m_zoom; }
     // Chooses the finish with that id (the first for an unknown id) and stores it.
     void setTheme(const QString &id);
+    // True until the user picks a finish: the finish then follows the desktop's light or dark look.
+    bool followsDesktop() const { return m_followsDesktop; }
+    // The desktop's preference: the light finish for light, the first finish for dark. Ignored
+    // once the user has picked a finish.
+    void setDesktopPrefersLight(bool light);
     // Sets the zoom, kept within the smallest and largest step, and stores it.
     void setZoom(double zoom);
     void zoomIn() { setZoom(nextZoom(m_zoom)); }
@@ -62,6 +67,8 @@ Q_SIGNALS:
     void changed();
 
 private:
+    void choose(const FWTheme *next);
     const FWTheme *m_theme;
+    bool m_followsDesktop = true;
     double m_zoom = 1.0;
 };

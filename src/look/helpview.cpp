@@ -2,8 +2,12 @@
 
 #include "fwui.h"
 #include "icons.h"
+#include "tones.h"
 
 #include <QtCore/QPointer>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+#include <QtGui/QShortcut>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
@@ -64,7 +68,7 @@ QList<HelpPage> FWHelpView::filtered(const QList<HelpPage> &pages, const QString
     return out;
 }
 
-FWHelpView *FWHelpView::showWindow(QWidget *parent)
+FWHelpView *FWHelpView::showWindow(QWidget *parent, const QString &pageId)
 {
     static QPointer<FWHelpView> window;
     if (!window) {
@@ -72,13 +76,36 @@ FWHelpView *FWHelpView::showWindow(QWidget *parent)
         window->setWindowFlag(Qt::Window);
         window->setAttribute(Qt::WA_DeleteOnClose);
         window->setWindowTitle(u"Fenwright Trestle Help"_s);
+        for (const QKeySequence &keys : {QKeySequence(Qt::Key_Escape), QKeySequence(QKeySequence::Close)}) {
+            auto *close = new QShortcut(keys, window);
+            connect(close, &QShortcut::activated, window, &QWidget::close);
+        }
         const FWUI &ui = FWUI::shared();
-        window->resize(ui.px(900), ui.px(640));
+        QSize size(ui.px(900), ui.px(640));
+        const QScreen *screen = parent ? parent->screen() : QGuiApplication::primaryScreen();
+        const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, size.width(), size.height());
+        const QRect over = parent ? parent->window()->frameGeometry() : area;
+        window->setGeometry(placement(over, size, area));
+    }
+    if (!pageId.isEmpty() && !window->openPage(pageId)) {
+        // A search that hides the page gives way to the page asked for.
+        window->setSearch({});
+        window->openPage(pageId);
     }
     window->show();
     window->raise();
     window->activateWindow();
     return window;
+}
+
+QRect FWHelpView::placement(const QRect &parent, const QSize &size, const QRect &screen)
+{
+    const QSize fits = size.boundedTo(screen.size());
+    QRect r(QPoint(0, 0), fits);
+    r.moveCenter(parent.center());
+    r.moveLeft(std::clamp(r.left(), screen.left(), screen.right() + 1 - fits.width()));
+    r.moveTop(std::clamp(r.top(), screen.top(), screen.bottom() + 1 - fits.height()));
+    return r;
 }
 
 void FWHelpView::setSearch(const QString &text)
@@ -153,8 +180,9 @@ void FWHelpView::restyle()
     m_list->setIconSize(QSize(ui.px(16), ui.px(16)));
     m_list->setStyleSheet(u"QListWidget { background: "_s + t.panel.name() + u"; color: "_s + t.text.name() +
                           u"; border: none; } QListWidget::item { padding: "_s + pad +
-                          u"px; } QListWidget::item:selected { background: "_s + t.raised.name() +
-                          u"; color: "_s + t.accent2.name() + u"; }"_s);
+                          u"px; } QListWidget::item:selected { background: "_s +
+                          FWTones::current().selection.name() + u"; color: "_s +
+                          FWTones::current().onAccent.name() + u"; }"_s);
     // Thin scroll bars of the finish instead of the platform's grey ones.
     QColor handle = t.metalMid;
     handle.setAlphaF(0.5);
@@ -172,7 +200,7 @@ void FWHelpView::restyle()
     m_reader->setStyleSheet(u"QTextBrowser { background: "_s + t.base.name() + u"; color: "_s +
                             t.text.name() + u"; border: none; padding: "_s + QString::number(ui.px(14)) +
                             u"px; }"_s);
-    m_reader->document()->setDefaultStyleSheet(u"h1 { color: "_s + t.accent.name() + u"; } h2 { color: "_s +
-                                               t.accent2.name() + u"; } a { color: "_s + t.accent.name() +
-                                               u"; }"_s);
+    m_reader->document()->setDefaultStyleSheet(u"h1 { color: "_s + FWTones::current().focus.name() +
+                                               u"; } h2 { color: "_s + t.text.name() + u"; } a { color: "_s +
+                                               FWTones::current().focus.name() + u"; }"_s);
 }

@@ -18,8 +18,11 @@ public:
     // otherwise those whose title or block texts contain the trimmed text, ignoring case.
     static QList<HelpPage> filtered(const QList<HelpPage> &pages, const QString &search);
 
-    // Shows the one help window with the installed pages, raising it when already open.
-    static FWHelpView *showWindow(QWidget *parent);
+    // Shows the one help window with the installed pages, raising it when already open, at the
+    // page `pageId` when there is one. It opens whole on the screen of `parent`.
+    static FWHelpView *showWindow(QWidget *parent, const QString &pageId = {});
+    // Where a window of `size` opens over `parent`: centred on it, moved inside `screen`.
+    static QRect placement(const QRect &parent, const QSize &size, const QRect &screen);
 
     // Types `text` into the search box.
     void setSearch(const QString &text);

@@ -2,6 +2,7 @@
 
 #include "chrome.h"
 #include "fwui.h"
+#include "tones.h"
 
 #include "calc/datefmt.h"
 
@@ -62,23 +63,17 @@ QSize StatusPill::sizeHint() const
 void StatusPill::paintEvent(QPaintEvent *)
 {
     const FWUI &ui = FWUI::shared();
-    QColor fill;
-    switch (tone(m_text)) {
-    case Green: fill = QColor(0x34, 0xC7, 0x59); break;
-    case Red: fill = QColor(0xFF, 0x3B, 0x30); break;
-    case Orange: fill = QColor(0xFF, 0x95, 0x00); break;
-    case Neutral: fill = ui.theme().dim; break;
-    }
-    fill.setAlphaF(0.75);
+    const FWTones &tones = FWTones::current();
+    const int which = int(tone(m_text));
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
     const QSize hint = sizeHint();
     const QRectF r(0.5, (height() - hint.height()) / 2.0 + 0.5, std::min(width(), hint.width()) - 1.0,
                    hint.height() - 1.0);
-    p.setBrush(fill);
-    p.setPen(QPen(QColor(255, 255, 255, 64), 0.75));
+    p.setBrush(tones.pillFill[which]);
+    p.setPen(Qt::NoPen);
     p.drawRoundedRect(r, r.height() / 2, r.height() / 2);
-    p.setPen(Qt::white);
+    p.setPen(tones.pillText[which]);
     p.setFont(ui.font(10, QFont::Black));
     p.drawText(r, Qt::AlignCenter, shown(m_text));
 }

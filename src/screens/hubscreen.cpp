@@ -21,6 +21,7 @@
 #include "shell/screentitle.h"
 #include "store/db.h"
 
+#include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
@@ -125,6 +126,8 @@ ProjectCard::ProjectCard(const Rec &project, const ProjectFigures &figures, bool
     , m_billed(new LookLabel({}, 12, QFont::DemiBold, false, m_money))
     , m_margin(new LookLabel({}, 12, QFont::DemiBold, false, m_money))
 {
+    // A card is a Tab stop and opens with Enter or Space, as a click does.
+    setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     m_name->setWordWrap(true);
     m_kind->setWordWrap(true);
@@ -212,6 +215,16 @@ void ProjectCard::mousePressEvent(QMouseEvent *event)
         event->accept();
     else
         FWPanel::mousePressEvent(event);
+}
+
+void ProjectCard::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space: Q_EMIT chosen(m_id); return;
+    default: FWPanel::keyPressEvent(event);
+    }
 }
 
 void ProjectCard::mouseReleaseEvent(QMouseEvent *event)

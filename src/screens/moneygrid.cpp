@@ -3,6 +3,7 @@
 #include "budgetscreen.h"
 #include "jobcostscreen.h"
 #include "kpitile.h"
+#include "look/tones.h"
 #include "payappscreen.h"
 
 #include "calc/money.h"
@@ -80,12 +81,12 @@ MoneyCell::MoneyCell(QWidget *parent)
 
 QColor MoneyCell::red()
 {
-    return {0xE0, 0x4B, 0x4B};
+    return FWTones::current().bad;
 }
 
 QColor MoneyCell::green()
 {
-    return {0x2E, 0xA0, 0x5E};
+    return FWTones::current().good;
 }
 
 void MoneyCell::set(qint64 cents, bool bold, const QColor &tint)

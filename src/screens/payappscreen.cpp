@@ -18,6 +18,7 @@
 #include "store/db.h"
 #include "workflows/payappflow.h"
 
+#include <QtGui/QKeyEvent>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
@@ -101,6 +102,37 @@ private:
     bool m_on = false;
 };
 
+// The list of applications is one Tab stop: the arrows, Home/End and Page Up/Down move the
+// selection, as in any list, so earlier applications are in reach without a mouse.
+class PayAppList : public FWPanel
+{
+public:
+    explicit PayAppList(std::function<void(int key)> onKey, QWidget *parent)
+        : FWPanel(parent)
+        , m_onKey(std::move(onKey))
+    {
+        setFocusPolicy(Qt::StrongFocus);
+        setAccessibleName(u"Pay applications"_s);
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent *e) override
+    {
+        switch (e->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_Home:
+        case Qt::Key_End:
+        case Qt::Key_PageUp:
+        case Qt::Key_PageDown: m_onKey(e->key()); return;
+        default: FWPanel::keyPressEvent(e);
+        }
+    }
+
+private:
+    std::function<void(int)> m_onKey;
+};
+
 PayAppScreen::PayAppScreen(const ScreenContext &ctx, QWidget *parent)
     : ProjectScreen(ctx,
                     u" · schedule of values, retainage on work and stored materials, previous certificates"_s,
@@ -109,7 +141,7 @@ PayAppScreen::PayAppScreen(const ScreenContext &ctx, QWidget *parent)
     , m_new(new FWChromeButton(u"New Pay App"_s, u"plus"_s, trailing()))
     , m_print(new PrintButton(printJob(ctx.db, {}), false, false, trailing()))
     , m_empty(new QLabel(QString::fromUtf16(PayAppText::kNoPayApps), this))
-    , m_list(new FWPanel(this))
+    , m_list(new PayAppList([this](int key) { step(key); }, this))
     , m_listRows(new QVBoxLayout(m_list))
     , m_detailBox(new QVBoxLayout)
 {
@@ -203,6 +235,28 @@ void PayAppScreen::toggleSOV()
 void PayAppScreen::select(const QString &payAppId)
 {
     m_nav.setSelected(m_m.id, payAppId);
+}
+
+void PayAppScreen::step(int key)
+{
+    if (m_order.isEmpty())
+        return;
+    const qsizetype last = m_order.size() - 1;
+    qsizetype at = last;
+    for (qsizetype i = 0; i <= last; ++i)
+        if (m_rows.value(m_order.at(i))->on())
+            at = i;
+    const qsizetype page = 5;
+    switch (key) {
+    case Qt::Key_Up: at = std::max<qsizetype>(0, at - 1); break;
+    case Qt::Key_Down: at = std::min(last, at + 1); break;
+    case Qt::Key_Home: at = 0; break;
+    case Qt::Key_End: at = last; break;
+    case Qt::Key_PageUp: at = std::max<qsizetype>(0, at - page); break;
+    case Qt::Key_PageDown: at = std::min(last, at + page); break;
+    default: return;
+    }
+    select(m_order.at(at));
 }
 
 void PayAppScreen::refresh()

@@ -46,6 +46,10 @@ public:
     QStringList listed() const { return m_order; }
     // Selects an application as a click on its row does.
     void select(const QString &payAppId);
+    // Moves the selection as the key (an arrow, Home/End, Page Up/Down) does in the list.
+    void step(int key);
+    // The list of applications, the keyboard's stop for choosing one.
+    QWidget *list() const { return m_list; }
 
 private:
     bool m_showSOV = false;

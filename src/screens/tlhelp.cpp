@@ -93,7 +93,9 @@ void install()
     TLApp::helpPagesHook() = [] {
         FWHelp::setPages(pages() + FWCommonHelp::pages(QGuiApplication::applicationDisplayName()));
     };
-    TLApp::helpWindowHook() = [](QWidget *parent) { FWHelpView::showWindow(parent); };
+    TLApp::helpWindowHook() = [](QWidget *parent, const QString &pageId) {
+        FWHelpView::showWindow(parent, pageId);
+    };
 }
 
 } // namespace TLHelp

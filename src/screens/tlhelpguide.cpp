@@ -73,7 +73,8 @@ HelpPage keys()
                     u"fields, the usual editing keys work: Ctrl+C, Ctrl+X and Ctrl+V to copy, cut and paste, "
                     u"and Ctrl+Z to undo typing."_s),
         B::makeHeading(u"File"_s),
-        B::makeKey(u"Ctrl+N"_s, u"New Project…"_s),
+        B::makeKey(u"Ctrl+N"_s, u"New Project…; on a screen that lists records, a new record of that "
+                                u"screen (a new estimate on Estimates, for example)"_s),
         B::makeKey(u"Ctrl+B"_s, u"Back Up Everything… (in the text of a document it makes bold instead)"_s),
         B::makeKey(u"Ctrl+Shift+P"_s, u"Page Setup… (paper and orientation, kept until you quit)"_s),
         B::makeKey(u"Ctrl+P"_s,

@@ -8,6 +8,7 @@
 #include "look/fwui.h"
 #include "look/icons.h"
 #include "look/segment.h"
+#include "look/tones.h"
 #include "store/db.h"
 #include "workflows/binding.h"
 
@@ -45,7 +46,9 @@ void apply(QWidget *w, bool error, bool mono)
         font.setStyleHint(QFont::Monospace);
     }
     w->setFont(font);
-    const QString border = error ? u"%1px solid #FF3B30"_s.arg(ui.s(1.5)) : u"1px solid "_s + t.deep.name();
+    const FWTones &tones = FWTones::current();
+    const QString border =
+        error ? u"%1px solid "_s.arg(ui.s(1.5)) + tones.error.name() : u"1px solid "_s + tones.edge.name();
     // The selector names the Qt class itself, so the style reaches neither the
     // subclass's children nor a viewport's scroll bars.
     const QMetaObject *meta = w->metaObject();
@@ -55,7 +58,8 @@ void apply(QWidget *w, bool error, bool mono)
     w->setStyleSheet(cls + u" { background: "_s + t.well.name() + u"; color: "_s + t.text.name() +
                      u"; border: "_s + border + u"; border-radius: "_s + QString::number(ui.px(9)) +
                      u"px; padding: "_s + QString::number(ui.px(4)) + u"px "_s + QString::number(ui.px(8)) +
-                     u"px; selection-background-color: "_s + t.accent.name() + u"; }"_s);
+                     u"px; selection-background-color: "_s + tones.selection.name() +
+                     u"; selection-color: "_s + tones.onAccent.name() + u"; }"_s);
 }
 
 void thinScrollBar(QWidget *bar)

@@ -7,6 +7,7 @@
 #include "calc/totals.h"
 #include "look/fwui.h"
 #include "look/icons.h"
+#include "look/tones.h"
 #include "store/db.h"
 #include "workflows/binding.h"
 
@@ -19,7 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QColor kRed(0xFF, 0x3B, 0x30);
 const QColor kRemoveRed(0xe5, 0x48, 0x4d);
 
 bool isChoice(const FD &fd)
@@ -134,9 +134,10 @@ void paintWell(QPainter *p, const QRectF &r, bool error, bool focused)
 {
     const FWUI &ui = FWUI::shared();
     const FWTheme &t = ui.theme();
-    const qreal border = error ? ui.s(1.5) : 1.0;
+    const FWTones &tones = FWTones::current();
+    const qreal border = error ? ui.s(1.5) : focused ? std::max(2.0, ui.s(2)) : 1.0;
     const QRectF box = r.adjusted(border / 2, border / 2, -border / 2, -border / 2);
-    p->setPen(QPen(error ? kRed : focused ? t.accent : t.deep, border));
+    p->setPen(QPen(error ? tones.error : focused ? tones.focus : tones.edge, border));
     p->setBrush(t.well);
     p->drawRoundedRect(box, ui.px(9), ui.px(9));
 }

@@ -6,6 +6,7 @@
 #include "look/chrome.h"
 #include "look/fwui.h"
 #include "look/icons.h"
+#include "look/tones.h"
 #include "store/db.h"
 
 #include <QtGui/QPaintEvent>
@@ -24,7 +25,10 @@ namespace {
 constexpr int kAmountWidth = 108;
 constexpr int kFreeMinimum = 110;
 constexpr int kRemoveWidth = 24;
-const QColor kRed(0xFF, 0x3B, 0x30);
+QColor errorRed()
+{
+    return FWTones::current().error;
+}
 
 // The captions over the columns, as the small captions elsewhere; a long
 // label over a narrow column wraps rather than being cut off.
@@ -157,7 +161,7 @@ protected:
         const FWUI &ui = FWUI::shared();
         QPainter p(viewport());
         p.setFont(ui.font(10.5));
-        p.setPen(kRed);
+        p.setPen(errorRed());
         const int icon = ui.px(11);
         const int top = std::max(0, rowAt(e->rect().top()));
         int bottom = rowAt(e->rect().bottom());
@@ -169,7 +173,8 @@ protected:
                 continue;
             const int y = rowViewportPosition(r) + LinesDelegate::boxHeight() + ui.px(3);
             const int x = -horizontalOffset();
-            p.drawPixmap(x, y + ui.px(2), Icons::pixmap(u"exclamationmark.triangle.fill"_s, kRed, icon));
+            p.drawPixmap(x, y + ui.px(2),
+                         Icons::pixmap(u"exclamationmark.triangle.fill"_s, errorRed(), icon));
             p.drawText(QRect(x + icon + ui.px(4), y, errorWidth(), 10000), Qt::TextWordWrap | Qt::AlignTop,
                        errors);
         }
@@ -415,7 +420,9 @@ void LinesEditor::add()
     // The lines of a purchase order start on the order's cost code.
     if (m_kind == u"po_line"_s)
         f.insert(u"costCode"_s, owner->f.value(u"costCode"_s));
-    m_db.add(m_kind, owner->project, owner->id, f);
+    // The new line's first cell takes the keyboard once the grid shows the line.
+    m_focusLine = m_db.add(m_kind, owner->project, owner->id, f).id;
+    refresh();
 }
 
 void LinesEditor::refresh()
@@ -428,6 +435,14 @@ void LinesEditor::refresh()
     const bool none = m_model->rowCount() == 0;
     m_empty->setVisible(none);
     m_grid->setVisible(!none);
+    const int row = m_focusLine.isEmpty() ? -1 : m_model->rowOf(m_focusLine);
+    if (row >= 0) {
+        m_focusLine.clear();
+        const QModelIndex first = m_model->index(row, 0);
+        m_grid->setCurrentIndex(first);
+        m_grid->setFocus(Qt::OtherFocusReason);
+        static_cast<QAbstractItemView *>(m_grid)->edit(first);
+    }
 }
 
 void LinesEditor::restyle()

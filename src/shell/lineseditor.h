@@ -50,4 +50,5 @@ private:
     QLabel *m_empty;
     LinesModel *m_model;
     LinesGrid *m_grid;
+    QString m_focusLine; // a line just added, whose first cell takes the focus when shown
 };

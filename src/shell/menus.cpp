@@ -64,7 +64,8 @@ void goMenu(TLWindow *w, DB &db, Nav &nav)
     int position = 0;
     for (const ModuleDef &def : Modules::all()) {
         const QString id = def.id;
-        QAction *a = m->addAction(def.title, w, [&nav, id] { nav.setModule(id); });
+        // A title's own "&" (Team & Roles) must not become a mnemonic and vanish.
+        QAction *a = m->addAction(menuText(def.title), w, [&nav, id] { nav.setModule(id); });
         // The menu ignores the role on purpose: the module area refuses what may not open.
         if (++position <= 9)
             a->setShortcut(QKeySequence(u"Ctrl+"_s + QString::number(position)));
@@ -86,7 +87,7 @@ void viewMenu(TLWindow *w)
     auto *group = new QActionGroup(themes);
     for (const FWTheme &t : FWTheme::all()) {
         const QString id = t.id;
-        QAction *a = themes->addAction(t.name, w, [id] { FWUI::shared().setTheme(id); });
+        QAction *a = themes->addAction(menuText(t.name), w, [id] { FWUI::shared().setTheme(id); });
         a->setCheckable(true);
         a->setChecked(ui.theme().id == id);
         group->addAction(a);
@@ -101,15 +102,17 @@ void viewMenu(TLWindow *w)
         const FWUI &ui = FWUI::shared();
         line->setText(u"Interface Zoom: "_s + ui.percent());
         for (QAction *a : group->actions())
-            a->setChecked(a->text() == ui.theme().name);
+            a->setChecked(a->text() == menuText(ui.theme().name));
     });
 }
 
-void helpMenu(TLWindow *w)
+void helpMenu(TLWindow *w, Nav &nav)
 {
     QMenu *m = w->menuBar()->addMenu(u"&Help"_s);
-    m->addAction(u"Fenwright Trestle Help"_s, QKeySequence::HelpContents, w, [w] { TLApp::showHelp(w); });
-    QObject::connect(w->main(), &TLMain::helpRequested, w, [w] { TLApp::showHelp(w); });
+    // The guide opens at the page of the screen in front.
+    m->addAction(u"Fenwright Trestle Help"_s, QKeySequence::HelpContents, w,
+                 [w, &nav] { TLApp::showHelp(w, nav.module()); });
+    QObject::connect(w->main(), &TLMain::helpRequested, w, [w, &nav] { TLApp::showHelp(w, nav.module()); });
     if (aboutHook()) {
         QAction *about = m->addAction(u"About Trestle"_s, w, [w] { aboutHook()(w); });
         about->setMenuRole(QAction::AboutRole);
@@ -117,6 +120,12 @@ void helpMenu(TLWindow *w)
 }
 
 } // namespace
+
+QString menuText(const QString &title)
+{
+    QString out = title;
+    return out.replace(u'&', u"&&"_s);
+}
 
 std::function<void(QWidget *)> &aboutHook()
 {
@@ -129,7 +138,7 @@ void build(TLWindow *window, DB &db, Nav &nav)
     fileMenu(window, db, nav);
     goMenu(window, db, nav);
     viewMenu(window);
-    helpMenu(window);
+    helpMenu(window, nav);
 }
 
 } // namespace Menus

@@ -7,9 +7,13 @@
 #include "look/chrome.h"
 #include "look/fwui.h"
 #include "look/icons.h"
+#include "look/tones.h"
 #include "store/db.h"
 
+#include <QtCore/QDateTime>
+#include <QtGui/QKeyEvent>
 #include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QScrollBar>
 
@@ -22,6 +26,7 @@ RailButton::RailButton(const ModuleDef &m, QWidget *parent)
     setText(m.title);
     setAccessibleName(m.title);
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::NoFocus);
     Chrome::followLook(this);
 }
 
@@ -61,13 +66,32 @@ void RailButton::paintEvent(QPaintEvent *)
         p.drawRoundedRect(r, ui.s(8), ui.s(8));
     }
     const int icon = ui.px(16);
+    const FWTones &tones = FWTones::current();
     p.drawPixmap(int(r.left() + ui.s(8)), (height() - icon) / 2,
-                 Icons::pixmap(m_module.symbol, m_on ? t.accent2 : t.accent, icon));
+                 Icons::pixmap(m_module.symbol, m_on ? tones.metalIcon : tones.focus, icon));
     p.setFont(ui.font(13, m_on ? QFont::DemiBold : QFont::Medium));
-    p.setPen(m_on ? t.text : t.text.darker(112));
+    p.setPen(m_on ? t.text : tones.railText);
     const QRectF textRect = r.adjusted(ui.s(8) + icon + ui.s(8), 0, -ui.s(4), 0);
     p.drawText(textRect, Qt::AlignVCenter | Qt::AlignLeft,
                p.fontMetrics().elidedText(text(), Qt::ElideRight, int(textRect.width())));
+}
+
+void RailButton::keyPressEvent(QKeyEvent *e)
+{
+    switch (e->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: click(); return;
+    case Qt::Key_Space: QAbstractButton::keyPressEvent(e); return;
+    default: Q_EMIT navigationKey(e);
+    }
+    if (!e->isAccepted())
+        QAbstractButton::keyPressEvent(e);
+}
+
+void RailButton::focusInEvent(QFocusEvent *e)
+{
+    QAbstractButton::focusInEvent(e);
+    Q_EMIT navigationKey(nullptr);
 }
 
 void RailButton::enterEvent(QEnterEvent *e)
@@ -92,6 +116,8 @@ ModuleRail::ModuleRail(DB &db, Nav &nav, QWidget *parent)
 {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(true);
+    // The entries take the keyboard, never the scrolling frame around them.
+    setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // The rail keeps its zoomed width; a crowded window narrows the record list instead.
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
@@ -114,6 +140,91 @@ void ModuleRail::refresh()
         rebuild();
     for (RailButton *b : std::as_const(m_buttons))
         b->setOn(b->module().id == m_nav.module());
+    // A screen opened from the menu or a shortcut shows its entry; the user's own scrolling
+    // stays as it is while the screen does not change.
+    if (m_shown != m_nav.module()) {
+        m_shown = m_nav.module();
+        if (RailButton *b = button(m_shown)) {
+            ensureWidgetVisible(b, 0, FWUI::shared().px(30));
+            if (!m_list->isAncestorOf(QApplication::focusWidget()))
+                makeTabStop(b);
+        }
+    }
+}
+
+RailButton *ModuleRail::button(const QString &id) const
+{
+    for (RailButton *b : m_buttons)
+        if (b->module().id == id)
+            return b;
+    return nullptr;
+}
+
+void ModuleRail::focusRail()
+{
+    RailButton *b = button(m_nav.module());
+    if (!b && !m_buttons.isEmpty())
+        b = m_buttons.first();
+    if (b)
+        moveTo(b);
+}
+
+void ModuleRail::makeTabStop(RailButton *b)
+{
+    // Only one entry takes Tab, so the content is a Tab or two away whatever the rail's length.
+    for (RailButton *other : std::as_const(m_buttons))
+        other->setFocusPolicy(other == b ? Qt::TabFocus : Qt::NoFocus);
+}
+
+void ModuleRail::moveTo(RailButton *b)
+{
+    makeTabStop(b);
+    b->setFocus(Qt::OtherFocusReason);
+    ensureWidgetVisible(b, 0, FWUI::shared().px(30));
+}
+
+void ModuleRail::onKey(RailButton *from, QKeyEvent *e)
+{
+    if (!e) {
+        makeTabStop(from);
+        return;
+    }
+    const qsizetype at = m_buttons.indexOf(from);
+    const qsizetype last = m_buttons.size() - 1;
+    const qsizetype page = std::max(1, viewport()->height() / std::max(1, from->height()) - 1);
+    qsizetype to = -1;
+    switch (e->key()) {
+    case Qt::Key_Down: to = std::min(last, at + 1); break;
+    case Qt::Key_Up: to = std::max<qsizetype>(0, at - 1); break;
+    case Qt::Key_Home: to = 0; break;
+    case Qt::Key_End: to = last; break;
+    case Qt::Key_PageDown: to = std::min(last, at + page); break;
+    case Qt::Key_PageUp: to = std::max<qsizetype>(0, at - page); break;
+    default: {
+        const QString text = e->text();
+        if (text.isEmpty() || !text.at(0).isPrint() || (e->modifiers() & ~Qt::ShiftModifier)) {
+            e->ignore();
+            return;
+        }
+        // Letters typed within a second make one prefix; a repeated first letter steps on.
+        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        m_typed = now - m_typedAt > 1000 ? text : m_typed + text;
+        m_typedAt = now;
+        const bool repeat = m_typed.size() > 1 && m_typed.count(m_typed.front()) == m_typed.size();
+        const QString prefix = repeat ? QString(m_typed.front()) : m_typed;
+        for (qsizetype i = 1; i <= m_buttons.size() && to < 0; ++i) {
+            // A new prefix may match the entry it started from; a repeat looks past it.
+            const qsizetype j = (at + i - (m_typed.size() > 1 && !repeat ? 1 : 0)) % m_buttons.size();
+            if (m_buttons.at(j)->text().startsWith(prefix, Qt::CaseInsensitive))
+                to = j;
+        }
+        if (to < 0)
+            return;
+    }
+    }
+    e->accept();
+    if (to >= 0 && to <= last)
+        moveTo(m_buttons.at(to));
 }
 
 void ModuleRail::rebuild()
@@ -159,12 +270,16 @@ void ModuleRail::rebuild()
             b->setOn(m->id == m_nav.module());
             const QString id = m->id;
             connect(b, &QAbstractButton::clicked, this, [this, id] { m_nav.setModule(id); });
+            connect(b, &RailButton::navigationKey, this, [this, b](QKeyEvent *e) { onKey(b, e); });
             box->addWidget(b);
             m_buttons.append(b);
         }
     }
     box->addStretch(1);
     setWidget(m_list); // deletes the previous list
+    RailButton *stop = button(m_nav.module());
+    if (stop || !m_buttons.isEmpty())
+        makeTabStop(stop ? stop : m_buttons.first());
 }
 
 QStringList ModuleRail::moduleIds() const

@@ -2,6 +2,8 @@
 #include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QScrollArea>
 
+class QKeyEvent;
+
 class DB;
 class Nav;
 struct ModuleDef;
@@ -18,8 +20,14 @@ public:
     void setOn(bool on);
     QSize sizeHint() const override;
 
+Q_SIGNALS:
+    // A key that moves within the rail, for the rail to act on.
+    void navigationKey(QKeyEvent *e);
+
 protected:
     void paintEvent(QPaintEvent *) override;
+    void keyPressEvent(QKeyEvent *e) override;
+    void focusInEvent(QFocusEvent *e) override;
     void enterEvent(QEnterEvent *) override;
     void leaveEvent(QEvent *) override;
 
@@ -30,7 +38,9 @@ private:
 };
 
 // The scrolling list of modules by group that the current role may open.
-// Groups left with no module are not shown.
+// Groups left with no module are not shown. For the keyboard the rail is one Tab stop
+// (the entry last focused, else the one on screen); arrows, Home/End, Page Up/Down and
+// typing a title's first letters move within it, Enter or Space opens.
 class ModuleRail : public QScrollArea
 {
     Q_OBJECT
@@ -43,13 +53,23 @@ public:
     // The group captions shown, in order.
     QStringList groups() const;
     QSize sizeHint() const override;
+    // Puts the keyboard on the rail: the entry on screen, or the first.
+    void focusRail();
+    // The entry of the module `id`, or null.
+    RailButton *button(const QString &id) const;
 
 private:
     void rebuild();
+    void onKey(RailButton *from, QKeyEvent *e);
+    void moveTo(RailButton *b);
+    void makeTabStop(RailButton *b);
     DB &m_db;
     Nav &m_nav;
     QWidget *m_list;
     QString m_role;
     QList<RailButton *> m_buttons;
     QStringList m_groups;
+    QString m_shown;      // the module last scrolled into view
+    QString m_typed;      // the letters typed so far
+    qint64 m_typedAt = 0; // when the last letter came
 };

@@ -4,6 +4,7 @@
 #include "calc/money.h"
 #include "look/fwui.h"
 #include "look/icons.h"
+#include "look/tones.h"
 #include "store/rec.h"
 
 #include <QtGui/QFocusEvent>
@@ -13,8 +14,11 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-const QColor kRed(0xFF, 0x3B, 0x30);
+QColor errorRed()
+{
+    return FWTones::current().error;
 }
+} // namespace
 
 NumberField::NumberField(const TextBinding &value, bool money, const QString &placeholder, QWidget *parent)
     : QWidget(parent)
@@ -123,10 +127,10 @@ void NumberField::restyle()
 {
     const FWUI &ui = FWUI::shared();
     FieldLook::apply(m_box, m_error.has_value());
-    m_errorIcon->setPixmap(Icons::pixmap(u"exclamationmark.triangle.fill"_s, kRed, ui.px(11)));
+    m_errorIcon->setPixmap(Icons::pixmap(u"exclamationmark.triangle.fill"_s, errorRed(), ui.px(11)));
     m_errorText->setFont(ui.font(10.5));
     m_errorText->setMinimumWidth(ui.px(170));
     QPalette p = m_errorText->palette();
-    p.setColor(QPalette::WindowText, kRed);
+    p.setColor(QPalette::WindowText, errorRed());
     m_errorText->setPalette(p);
 }

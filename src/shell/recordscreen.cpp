@@ -2,6 +2,7 @@
 
 #include "emptystate.h"
 #include "fieldeditors.h"
+#include "focuscycle.h"
 #include "nav.h"
 #include "printbutton.h"
 #include "printcenter.h"
@@ -19,7 +20,9 @@
 #include "store/db.h"
 #include "workflows/numbering.h"
 
+#include <QtCore/QPointer>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QTimer>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QBoxLayout>
@@ -182,8 +185,23 @@ void RecordScreen::syncSelection()
 
 void RecordScreen::syncEditor()
 {
+    // After a delete the next row is chosen and the list takes the keyboard, rather than
+    // the focus falling on the empty space where the editor was.
+    if (m_editor && !m_db.find(m_editor->recordId()) && m_model->rowCount() > 0) {
+        const int next = std::clamp(m_editorRow, 0, m_model->rowCount() - 1);
+        const bool hadFocus = m_editor->isAncestorOf(QApplication::focusWidget());
+        m_nav.setSelected(m_m.id, m_model->rowRecord(next).id);
+        syncSelection(); // before the list takes the focus, which would make its first row current
+        if (hadFocus)
+            QTimer::singleShot(0, m_list, [list = QPointer<QTreeView>(m_list)] {
+                if (list)
+                    list->setFocus(Qt::OtherFocusReason);
+            });
+    }
     const QString id = m_nav.selected(m_m.id);
     const bool exists = !id.isEmpty() && m_db.find(id);
+    if (exists)
+        m_editorRow = m_model->rowOf(id);
     if (m_editor && (!exists || m_editor->recordId() != id)) {
         // A focused editor being replaced would hand focus to a random widget.
         m_editor->hide();
@@ -199,6 +217,14 @@ void RecordScreen::syncEditor()
     m_editor = new RecordEditor(m_db, m_nav, m_m, id, this);
     m_editor->setFixedWidth(FWUI::shared().px(editorWidth(m_m)));
     m_split->addWidget(m_editor);
+    if (m_focusNew == id) {
+        // A new record is filled in from its first field; the editor shows on the next turn.
+        m_focusNew.clear();
+        QTimer::singleShot(0, m_editor, [editor = m_editor] {
+            if (QWidget *first = FocusCycle::firstField(editor))
+                first->setFocus(Qt::OtherFocusReason);
+        });
+    }
 }
 
 void RecordScreen::newRecord()
@@ -252,6 +278,7 @@ void RecordScreen::newRecord()
     rec.f = f;
     if (m_m.kind == u"company")
         rec.company = rec.id;
+    m_focusNew = rec.id;
     m_db.save(rec);
     m_nav.setSelected(m_m.id, rec.id);
 }

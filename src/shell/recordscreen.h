@@ -78,4 +78,6 @@ private:
     RecordEditor *m_editor = nullptr;
     Printable *m_printable;
     bool m_syncing = false;
+    int m_editorRow = -1; // the row of the record in the editor, for choosing the next after a delete
+    QString m_focusNew;   // a record just made, whose first field takes the focus
 };

@@ -3,8 +3,10 @@
 #include "fieldeditors.h"
 #include "recordscreenmodel.h"
 
+#include "look/contrast.h"
 #include "look/fwui.h"
 #include "look/statuspill.h"
+#include "look/tones.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QHeaderView>
@@ -141,11 +143,11 @@ void RecordCellDelegate::paintCapsule(QPainter *p, const QRectF &cell, const QSt
         QFontMetricsF(font).elidedText(text, Qt::ElideRight, std::max<qreal>(0, w - ui.s(12)));
     const qreal hgt = ui.s(18);
     const QRectF r(cell.left() + 0.5, cell.center().y() - hgt / 2 + 0.5, w - 1, hgt - 1);
-    fill.setAlphaF(0.75);
+    // White words need the capsule dark enough under them, whatever colour it was given.
     p->save();
     p->setRenderHint(QPainter::Antialiasing);
-    p->setBrush(fill);
-    p->setPen(QPen(QColor(255, 255, 255, 64), 0.75));
+    p->setBrush(Contrast::reaching(fill, Qt::white, Contrast::kText));
+    p->setPen(Qt::NoPen);
     p->drawRoundedRect(r, r.height() / 2, r.height() / 2);
     p->setPen(Qt::white);
     p->setFont(font);
@@ -163,15 +165,7 @@ void RecordCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
     const auto kind = RecordListModel::CellKind(index.data(RecordListModel::KindRole).toInt());
     switch (kind) {
     case RecordListModel::Pill: {
-        const QColor fill = [&] {
-            switch (StatusPill::tone(text)) {
-            case StatusPill::Green: return QColor(0x34, 0xC7, 0x59);
-            case StatusPill::Red: return QColor(0xFF, 0x3B, 0x30);
-            case StatusPill::Orange: return QColor(0xFF, 0x95, 0x00);
-            case StatusPill::Neutral: break;
-            }
-            return t.dim;
-        }();
+        const QColor fill = FWTones::current().pillFill[int(StatusPill::tone(text))];
         paintCapsule(painter, cell, StatusPill::shown(text), fill);
         return;
     }

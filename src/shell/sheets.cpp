@@ -10,6 +10,7 @@
 #include "look/fwui.h"
 #include "store/db.h"
 
+#include <QtGui/QShortcut>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QFormLayout>
@@ -53,6 +54,11 @@ QFormLayout *frame(QDialog *d, const QString &heading, const QString &text, cons
     box->addLayout(buttons);
     QObject::connect(cancel, &QAbstractButton::clicked, d, &QDialog::reject);
     QObject::connect(ok, &QAbstractButton::clicked, d, [onConfirm] { onConfirm(); });
+    // Enter confirms from any box of the sheet, as with a default button; Esc cancels (QDialog).
+    for (const int key : {int(Qt::Key_Return), int(Qt::Key_Enter)}) {
+        auto *enter = new QShortcut(QKeySequence(key), d);
+        QObject::connect(enter, &QShortcut::activated, ok, &QAbstractButton::click);
+    }
     d->setMinimumWidth(ui.px(420));
     return form;
 }

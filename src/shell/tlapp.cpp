@@ -40,16 +40,16 @@ std::function<void()> &helpPagesHook()
     return hook;
 }
 
-std::function<void(QWidget *)> &helpWindowHook()
+std::function<void(QWidget *, const QString &)> &helpWindowHook()
 {
-    static std::function<void(QWidget *)> hook;
+    static std::function<void(QWidget *, const QString &)> hook;
     return hook;
 }
 
-void showHelp(QWidget *parent)
+void showHelp(QWidget *parent, const QString &pageId)
 {
     if (helpWindowHook())
-        helpWindowHook()(parent);
+        helpWindowHook()(parent, pageId);
     else
         QApplication::beep();
 }

@@ -40,10 +40,11 @@ QString findRecord(const DB &db, const ModuleDef &m, const QString &idOrNumber);
 void loadSample(DB &db);
 // Loads the sample company when the store has no company at all.
 void ensureCompany(DB &db);
-// Opens the help window over `parent` when the help pages are installed.
-void showHelp(QWidget *parent);
+// Opens the help window over `parent` at the page `pageId` (a module's id), when the
+// help pages are installed.
+void showHelp(QWidget *parent, const QString &pageId = {});
 // Builds the help pages at launch; set by the help layer before run().
 std::function<void()> &helpPagesHook();
 // Shows the help window; set by the help layer.
-std::function<void(QWidget *)> &helpWindowHook();
+std::function<void(QWidget *, const QString &pageId)> &helpWindowHook();
 } // namespace TLApp

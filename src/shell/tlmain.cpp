@@ -9,7 +9,9 @@
 #include "serverbar.h"
 #include "sheets.h"
 
+#include "look/applook.h"
 #include "look/fwui.h"
+#include "look/tones.h"
 #include "store/db.h"
 #include "store/server/serverlink.h"
 
@@ -98,30 +100,9 @@ void TLMain::syncSheets()
 
 void TLMain::applyLook()
 {
-    // Standard widgets inside screens and sheets follow the finish through the palette.
-    const FWUI &ui = FWUI::shared();
-    const FWTheme &t = ui.theme();
-    QPalette p = palette();
-    p.setColor(QPalette::Window, t.base);
-    p.setColor(QPalette::WindowText, t.text);
-    p.setColor(QPalette::Base, t.well);
-    p.setColor(QPalette::AlternateBase, t.panel);
-    p.setColor(QPalette::Text, t.text);
-    p.setColor(QPalette::PlaceholderText, t.dim);
-    p.setColor(QPalette::Button, t.raised);
-    p.setColor(QPalette::ButtonText, t.text);
-    p.setColor(QPalette::Highlight, t.accent);
-    p.setColor(QPalette::HighlightedText, t.deep);
-    p.setColor(QPalette::ToolTipBase, t.raised);
-    p.setColor(QPalette::ToolTipText, t.text);
-    p.setColor(QPalette::Disabled, QPalette::Text, t.dim);
-    p.setColor(QPalette::Disabled, QPalette::WindowText, t.dim);
-    if (QWidget *w = window()) {
-        w->setPalette(p);
-        w->setFont(ui.font(13));
-    }
-    setPalette(p);
-    setFont(ui.font(13));
+    // Standard widgets, dialogs, menus and drop-down lists follow the finish through the
+    // application's palette and font.
+    AppLook::follow();
     update();
 }
 
@@ -151,9 +132,7 @@ void TLMain::paintEvent(QPaintEvent *)
     // The rail sits on a darker strip with a light edge.
     if (m_rail && m_rail->isVisible()) {
         const QRect r = m_rail->geometry();
-        QColor strip = t.deep;
-        strip.setAlphaF(0.55);
-        p.fillRect(r, strip);
+        p.fillRect(r, FWTones::current().railStrip);
         QColor edge = t.metalHi;
         edge.setAlphaF(0.1);
         p.setPen(edge);

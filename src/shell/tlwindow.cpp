@@ -1,5 +1,6 @@
 #include "tlwindow.h"
 
+#include "focuscycle.h"
 #include "menus.h"
 #include "tlmain.h"
 
@@ -29,6 +30,7 @@ TLWindow::TLWindow(DB &db, Nav &nav, QWidget *parent)
     setWindowTitle(u"Fenwright Trestle"_s);
     setCentralWidget(m_main);
     Menus::build(this, db, nav);
+    FocusCycle::install(this, m_main);
     const QByteArray geometry = QSettings(u"Fenwright"_s, u"Trestle"_s).value(geometryKey).toByteArray();
     if (geometry.isEmpty() || !restoreGeometry(geometry))
         resize(1500, 940);

@@ -12,6 +12,8 @@
 #include "shell/tlwindow.h"
 #include "store/db.h"
 
+#include <QtCore/QPointer>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QMenuBar>
 
 #include <QtWidgets/QLabel>
@@ -313,6 +315,47 @@ private Q_SLOTS:
         QVERIFY(view && view->isVisible());
         QVERIFY(view->listedIds().contains(u"look"_s));
         view->close();
+    }
+
+    void helpKeys_data()
+    {
+        QTest::addColumn<QKeySequence>("keys");
+        QTest::newRow("Esc") << QKeySequence(Qt::Key_Escape);
+        QTest::newRow("Ctrl+W") << QKeySequence(QKeySequence::Close);
+    }
+    void helpKeys()
+    {
+        QFETCH(QKeySequence, keys);
+        TLHelp::install();
+        TLApp::helpPagesHook()();
+        QPointer<FWHelpView> help = FWHelpView::showWindow(nullptr, u"contacts"_s);
+        QVERIFY(QTest::qWaitForWindowActive(help));
+        QCOMPARE(help->shownId(), u"contacts"_s);
+        QTest::keySequence(help, keys);
+        QCoreApplication::processEvents();
+        QVERIFY(!help || !help->isVisible());
+        QTRY_VERIFY(!help);
+    }
+
+    void helpOpensAtTheScreenInFront()
+    {
+        Screens::registerAll();
+        TLApp::helpPagesHook()();
+        DB db;
+        Nav nav;
+        db.createCompany(u"Acme"_s, u"Olive Owner"_s, u"CO"_s);
+        nav.setModule(u"payapps"_s);
+        TLWindow w(db, nav);
+        w.resize(1400, 900);
+        w.show();
+        QApplication::setActiveWindow(&w);
+        QVERIFY(QTest::qWaitForWindowActive(&w));
+        QTest::keyClick(&w, Qt::Key_F1);
+        QCoreApplication::processEvents();
+        auto *help = qobject_cast<FWHelpView *>(QApplication::activeWindow());
+        QVERIFY(help);
+        QCOMPARE(help->shownId(), u"payapps"_s);
+        help->close();
     }
 
     // The About window names the licence, the version and every library.

@@ -74,6 +74,27 @@ class HubTests : public QObject
     }
 
 private Q_SLOTS:
+    void cardsOpenByKeyboard_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::newRow("Enter") << int(Qt::Key_Return);
+        QTest::newRow("keypad Enter") << int(Qt::Key_Enter);
+        QTest::newRow("Space") << int(Qt::Key_Space);
+    }
+    void cardsOpenByKeyboard()
+    {
+        QFETCH(int, key);
+        DB db;
+        Nav nav;
+        Sample::create(db);
+        HubScreen screen(ScreenContext{db, nav, hub()});
+        QVERIFY(screen.cards().size() >= 2);
+        ProjectCard *card = screen.cards().at(1);
+        QVERIFY(card->focusPolicy() & Qt::TabFocus);
+        QTest::keyClick(card, Qt::Key(key));
+        QCOMPARE(nav.projectID(), card->projectId());
+    }
+
     void init()
     {
         DateFmt::setToday(QDate(2026, 11, 15));

@@ -100,6 +100,38 @@ private Q_SLOTS:
         QVERIFY(screen->emptyMessage()->isHidden());
     }
 
+    void listByKeyboard_data()
+    {
+        QTest::addColumn<QStringList>("keys");
+        QTest::addColumn<int>("selected"); // the number selected after the keys
+        QTest::newRow("up from the last") << QStringList{u"Up"_s} << 4;
+        QTest::newRow("up twice") << QStringList{u"Up"_s, u"Up"_s} << 3;
+        QTest::newRow("home") << QStringList{u"Home"_s} << 1;
+        QTest::newRow("home then down") << QStringList{u"Home"_s, u"Down"_s} << 2;
+        QTest::newRow("down at the end stays") << QStringList{u"Down"_s} << 5;
+        QTest::newRow("up at the top stays") << QStringList{u"Home"_s, u"Up"_s} << 1;
+        QTest::newRow("page up then end") << QStringList{u"PgUp"_s, u"End"_s} << 5;
+        QTest::newRow("page up") << QStringList{u"PgUp"_s} << 1;
+    }
+    void listByKeyboard()
+    {
+        // Earlier applications are in reach without a mouse: the list is a Tab stop with arrows.
+        QFETCH(QStringList, keys);
+        QFETCH(int, selected);
+        Shop s;
+        for (int n = 1; n <= 5; ++n)
+            s.app(n, n < 5 ? u"paid"_s : u"draft"_s);
+        auto screen = s.screen();
+        QWidget *list = screen->list();
+        QVERIFY(list->focusPolicy() & Qt::TabFocus);
+        for (const QString &k : keys) {
+            QTest::keyClick(list, Qt::Key(QKeySequence::fromString(k)[0].key()));
+            screen->refresh();
+        }
+        QVERIFY(screen->detail());
+        QCOMPARE(s.db.get(screen->detail()->payAppId())->i(u"number"), qint64(selected));
+    }
+
     // The application's detail is a deep screen: its print job stands at level 2,
     // above the project screens at level 1; the screen shows how retainage works.
     void printsAtDetailLevelAndExplainsRetainage()
