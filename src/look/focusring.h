@@ -1,9 +1,12 @@
 #pragma once
-#include <QtWidgets/QFocusFrame>
+#include <QtCore/QPointer>
+#include <QtWidgets/QWidget>
 
 // The ring around whatever has the keyboard's focus, in every window of the program: at least
 // two pixels wide, in the finish's focus colour, which keeps 3:1 against every background.
-class FocusRing : public QFocusFrame
+// It lies over the window rather than inside the widget's parent, so a parent that fits its
+// widget tightly does not cut it; a scrolling area still hides what it scrolls out of sight.
+class FocusRing : public QWidget
 {
     Q_OBJECT
 public:
@@ -12,7 +15,17 @@ public:
     static void install();
     // The ring's line width in pixels at the current zoom.
     static int width();
+    // Puts the ring around `w`, or takes it away for null.
+    void follow(QWidget *w);
+    QWidget *target() const { return m_target; }
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *) override;
+
+private:
+    void place();
+    void unwatch();
+    QPointer<QWidget> m_target;
+    QList<QPointer<QWidget>> m_watched;
 };

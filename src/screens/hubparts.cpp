@@ -158,6 +158,8 @@ QScrollArea *scroller(QWidget *content, QWidget *parent)
     area->setFrameShape(QFrame::NoFrame);
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->viewport()->setAutoFillBackground(false);
+    // Tab goes straight to the cards inside; focusing one scrolls it into view.
+    area->setFocusPolicy(Qt::NoFocus);
     FieldLook::thinScrollBars(area);
     content->setAutoFillBackground(false);
     area->setWidget(content);

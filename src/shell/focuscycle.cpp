@@ -5,8 +5,10 @@
 #include "modulerail.h"
 #include "tlmain.h"
 
+#include <QtCore/QTimer>
 #include <QtGui/QShortcut>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
 
 using namespace Qt::StringLiterals;
 
@@ -25,13 +27,16 @@ QWidget *firstIn(QWidget *region)
 
 QWidget *firstField(QWidget *region)
 {
-    for (QWidget *w = region->nextInFocusChain(); w && w != region; w = w->nextInFocusChain()) {
-        if (!region->isAncestorOf(w) || !(w->focusPolicy() & Qt::TabFocus) || !w->isVisible() ||
-            !w->isEnabled())
-            continue;
-        for (const char *kind : {"QLineEdit", "QTextEdit", "QPlainTextEdit", "QComboBox", "QAbstractSpinBox"})
-            if (w->inherits(kind))
-                return w;
+    // A typing box first: a record's name or title is what one fills in first; then a choice.
+    for (const char *kinds : {"QLineEdit", "QComboBox"}) {
+        for (QWidget *w = region->nextInFocusChain(); w && w != region; w = w->nextInFocusChain()) {
+            if (!region->isAncestorOf(w) || !(w->focusPolicy() & Qt::TabFocus) || !w->isVisible() ||
+                !w->isEnabled() || !w->inherits(kinds))
+                continue;
+            if (auto *line = qobject_cast<QLineEdit *>(w); line && line->isReadOnly())
+                continue;
+            return w;
+        }
     }
     return firstIn(region);
 }
@@ -62,6 +67,21 @@ void step(TLMain *main, bool back)
 
 void install(QWidget *window, TLMain *main)
 {
+    // A focused widget that goes away (a rebuilt rail, a closed sheet, a deleted record's
+    // editor) would leave the window with no keyboard at all: the content takes it instead.
+    QObject::connect(qApp, &QApplication::focusChanged, main, [main](QWidget *, QWidget *now) {
+        if (now)
+            return;
+        QTimer::singleShot(0, main, [main] {
+            // Only the window's own keyboard place is filled; a dialog in front keeps its focus.
+            if (main->window()->focusWidget() || !main->isVisible())
+                return;
+            if (QWidget *w = firstIn(main->area()))
+                w->setFocus(Qt::OtherFocusReason);
+            else if (main->rail()->isVisible())
+                main->rail()->focusRail();
+        });
+    });
     auto *forward = new QShortcut(QKeySequence(Qt::Key_F6), window);
     QObject::connect(forward, &QShortcut::activated, main, [main] { step(main, false); });
     auto *backward = new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F6), window);

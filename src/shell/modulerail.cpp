@@ -162,6 +162,7 @@ RailButton *ModuleRail::button(const QString &id) const
 
 void ModuleRail::focusRail()
 {
+    m_typed.clear();
     RailButton *b = button(m_nav.module());
     if (!b && !m_buttons.isEmpty())
         b = m_buttons.first();
@@ -269,7 +270,10 @@ void ModuleRail::rebuild()
             auto *b = new RailButton(*m, m_list);
             b->setOn(m->id == m_nav.module());
             const QString id = m->id;
-            connect(b, &QAbstractButton::clicked, this, [this, id] { m_nav.setModule(id); });
+            connect(b, &QAbstractButton::clicked, this, [this, id] {
+                m_typed.clear(); // the next letters start a new search
+                m_nav.setModule(id);
+            });
             connect(b, &RailButton::navigationKey, this, [this, b](QKeyEvent *e) { onKey(b, e); });
             box->addWidget(b);
             m_buttons.append(b);

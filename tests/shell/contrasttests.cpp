@@ -3,6 +3,7 @@
 #include "testmain.h"
 
 #include "catalog/modules.h"
+#include "look/applook.h"
 #include "look/buttons.h"
 #include "look/contrast.h"
 #include "look/desktopscheme.h"
@@ -14,6 +15,10 @@
 #include <QtCore/QSettings>
 #include <QtDBus/QDBusVariant>
 #include <QtGui/QImage>
+#include <QtWidgets/QAbstractItemView>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QMenu>
 
 using namespace Qt::StringLiterals;
 
@@ -234,6 +239,29 @@ private Q_SLOTS:
             QVERIFY2(Contrast::ratio(ink, back) >= Contrast::kText,
                      qPrintable(u"row %1: %2 on %3"_s.arg(y).arg(ink.name(), back.name())));
         }
+    }
+
+    void dialogsMenusAndListsTakeTheFinish_data() { addFinishRows(); }
+    void dialogsMenusAndListsTakeTheFinish()
+    {
+        // Separate windows (a dialog, a menu, a choice box's drop-down list) get no palette from
+        // the main window; they must still show the finish, not the platform's light grey.
+        QFETCH(QString, finish);
+        AppLook::follow();
+        FWUI::shared().setTheme(finish);
+        const FWTheme &t = FWUI::shared().theme();
+        QDialog dialog;
+        QMenu menu;
+        QComboBox box;
+        box.addItems({u"Draft"_s, u"Paid"_s});
+        QWidget *list = box.view();
+        QCOMPARE(dialog.palette().color(QPalette::Window), t.base);
+        QCOMPARE(dialog.palette().color(QPalette::WindowText), t.text);
+        QCOMPARE(menu.palette().color(QPalette::Window), t.base);
+        QCOMPARE(list->palette().color(QPalette::Base), t.well);
+        QCOMPARE(list->palette().color(QPalette::Text), t.text);
+        QCOMPARE(list->palette().color(QPalette::HighlightedText), FWTones::current().onAccent);
+        QCOMPARE(QFontInfo(menu.font()).pixelSize(), FWUI::shared().px(13));
     }
 
     void desktopPreference_data()
