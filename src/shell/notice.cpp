@@ -2,6 +2,7 @@
 
 #include "look/fwui.h"
 #include "look/icons.h"
+#include "look/tones.h"
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
@@ -27,12 +28,12 @@ Notice::Notice(const QString &text, const QColor &color, const QString &symbol, 
 
 QColor Notice::red()
 {
-    return QColor(0xe5, 0x48, 0x4d);
+    return FWTones::current().error;
 }
 
 QColor Notice::orange()
 {
-    return QColor(0xf0, 0x8c, 0x2e);
+    return FWTones::current().warning;
 }
 
 void Notice::setText(const QString &text)
