@@ -1,5 +1,7 @@
 #include "fieldeditors.h"
 
+#include "datekeys.h"
+
 #include "numberfield.h"
 
 #include "calc/datefmt.h"
@@ -250,6 +252,7 @@ ThemedDate::ThemedDate(const TextBinding &value, QWidget *parent)
     m_picker->setCalendarPopup(true);
     m_clear->setCompact(true);
     m_clear->setToolTip(u"Clear date"_s);
+    DateKeys::attach(m_set, m_picker, m_clear);
 
     connect(m_set, &QAbstractButton::clicked, this, [this] {
         m_value.set(DateFmt::iso(DateFmt::today()));

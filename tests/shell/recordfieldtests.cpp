@@ -16,6 +16,7 @@
 #include "workflows/binding.h"
 
 #include <QtTest/QSignalSpy>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDateEdit>
 #include <QtWidgets/QLineEdit>
@@ -175,6 +176,47 @@ private Q_SLOTS:
         QTest::mouseClick(date->clearButton(), Qt::LeftButton);
         QCOMPARE(value, QString());
         QVERIFY(date->setButton()->isVisible());
+    }
+
+    void dateByKeyboard_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QStringList>("keys"); // key sequences, or "type:" and the text
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("a digit on Set date starts the date")
+            << QString() << QStringList{u"type:1"_s} << u"2026-03-14"_s;
+        QTest::newRow("a letter on Set date does nothing")
+            << QString() << QStringList{u"type:x"_s} << QString();
+        QTest::newRow("all selected, Delete clears")
+            << u"2026-03-10"_s << QStringList{u"Ctrl+A"_s, u"Del"_s} << QString();
+        QTest::newRow("all selected, Backspace clears")
+            << u"2026-03-10"_s << QStringList{u"Ctrl+A"_s, u"Backspace"_s} << QString();
+        QTest::newRow("Delete in one part keeps the date")
+            << u"2026-03-10"_s << QStringList{u"Del"_s, u"Tab"_s} << u"2026-03-10"_s;
+    }
+    void dateByKeyboard()
+    {
+        QFETCH(QString, stored);
+        QFETCH(QStringList, keys);
+        QFETCH(QString, expected);
+        QString value = stored;
+        auto *date = new ThemedDate(TextBinding::local(&value));
+        Harness h(date);
+        // One stop: the clear button is for the mouse.
+        QVERIFY(!(date->clearButton()->focusPolicy() & Qt::TabFocus));
+        QWidget *start = stored.isEmpty() ? static_cast<QWidget *>(date->setButton()) : date->picker();
+        start->setFocus();
+        for (const QString &k : keys) {
+            QWidget *to = QApplication::focusWidget();
+            if (k.startsWith(u"type:"_s))
+                QTest::keyClicks(to, k.mid(5));
+            else
+                QTest::keySequence(to, QKeySequence(k));
+        }
+        QCOMPARE(value, expected);
+        if (stored.isEmpty() && !expected.isEmpty())
+            QVERIFY(date->picker()->isAncestorOf(QApplication::focusWidget()) ||
+                    QApplication::focusWidget() == date->picker());
     }
 
     void dateFitsItsFullWidth_data()
