@@ -1,6 +1,7 @@
 #include "hubscreen.h"
 
 #include "fieldpulse.h"
+#include "figurelink.h"
 #include "hubparts.h"
 #include "kpitile.h"
 #include "projectchart.h"
@@ -341,6 +342,13 @@ HubScreen::HubScreen(const ScreenContext &ctx, QWidget *parent)
           std::pair{u"Retainage held"_s, u"lock.doc.fill"_s},
           std::pair{u"Cost to date"_s, u"creditcard.fill"_s}}) {
         auto *tile = new KPITile(title, symbol);
+        static const QString figures[] = {u"hub.revised"_s, u"hub.pending"_s, u"hub.billed"_s,
+                                          u"hub.retainage"_s, u"hub.cost"_s};
+        // Over what the hub lists: the chosen project, or every active one.
+        FigureLink::attach(tile, m_db, m_nav, [this, name = figures[m_tiles.size()]] {
+            const std::optional<Rec> chosen = m_nav.project(m_db);
+            return std::optional(FigureRef{name, chosen ? chosen->id : QString(), {}});
+        });
         m_tiles << tile;
         tiles << tile;
     }

@@ -1,6 +1,8 @@
 #include "reportsscreen.h"
 #include "shell/savedpdf.h"
 
+#include "breakdownview.h"
+
 #include "fieldpulse.h"
 #include "hubparts.h"
 #include "projectchart.h"
@@ -195,6 +197,8 @@ ReportsScreen::ReportsScreen(const ScreenContext &ctx, QWidget *parent)
     m_schedule = new WipScheduleView(m_db, m_stack);
     connect(m_schedule, &WipScheduleView::pdfRequested, this, &ReportsScreen::saveSchedulePDF);
     connect(m_schedule, &WipScheduleView::csvRequested, this, &ReportsScreen::saveScheduleCSV);
+    connect(m_schedule->table(), &WipScheduleTable::figureOpened, this,
+            [this](const FigureRef &ref) { BreakdownView::show(this, m_db, m_nav, ref); });
     m_stack->addWidget(m_schedule);
     switchRow->addWidget(m_schedule->buttons());
     m_box->addWidget(m_stack, 1);

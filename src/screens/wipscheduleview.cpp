@@ -17,6 +17,8 @@
 #include <QtCharts/QChartView>
 #include <QtCharts/QLegend>
 #include <QtCharts/QStackedBarSeries>
+#include <QtGui/QKeyEvent>
+#include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QScrollArea>
@@ -56,6 +58,9 @@ WipScheduleTable::WipScheduleTable(QWidget *parent)
     : QWidget(parent)
 {
     setAccessibleName(PrintReports::kWipScheduleTitle);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(false);
+    setCursor(Qt::PointingHandCursor);
     connect(&FWUI::shared(), &FWUI::changed, this, [this] {
         measure();
         update();
@@ -74,7 +79,8 @@ void WipScheduleTable::setSchedule(const WipSchedule &s)
     for (const WipSection *section : {&s.inProgress, &s.completed}) {
         rows.append({Kind::Title, {section->title}});
         for (const WipLine &l : section->lines)
-            rows.append({Kind::Job, PrintReports::wipScheduleCells(l), l.overBilled, l.underBilled});
+            rows.append(
+                {Kind::Job, PrintReports::wipScheduleCells(l), l.overBilled, l.underBilled, l.project});
         if (section->lines.isEmpty())
             rows.append({Kind::Job, {QString(), u"None"_s}});
         rows.append(total(Kind::Total, u"Total "_s + section->title.toLower(), section->total));
@@ -224,12 +230,113 @@ void WipScheduleTable::paintEvent(QPaintEvent *)
             }
             x += w;
         }
+        if (hasFocus() && m_current.first == i && m_current.second >= 0 &&
+            m_current.second < m_widths.size()) {
+            int left = 0;
+            for (int c = 0; c < m_current.second; ++c)
+                left += m_widths.at(c);
+            p.setPen(QPen(t.accent, 1.5));
+            p.drawRect(QRect(left + 1, y + 1, m_widths.at(m_current.second) - 3, height - 3));
+        }
         y += height;
         if (r.kind == Kind::Head || r.kind == Kind::Job) {
             p.setPen(QPen(r.kind == Kind::Head ? t.dim : rule, 1));
             p.drawLine(0, y - 1, width(), y - 1);
         }
     }
+}
+
+std::optional<FigureRef> WipScheduleTable::figureAt(int row, int column) const
+{
+    // The figures of the table's columns, in order; the number, the name and % complete open nothing.
+    static const QString figures[] = {{},
+                                      {},
+                                      u"wip.contract"_s,
+                                      u"wip.estimatedcost"_s,
+                                      u"wip.grossprofit"_s,
+                                      u"wip.costtodate"_s,
+                                      u"wip.costtocomplete"_s,
+                                      {},
+                                      u"wip.earned"_s,
+                                      u"wip.profittodate"_s,
+                                      u"wip.lossprovision"_s,
+                                      u"wip.billed"_s,
+                                      u"wip.overbilled"_s,
+                                      u"wip.underbilled"_s,
+                                      u"wip.backlog"_s};
+    if (row < 0 || row >= m_rows.size() || column < 0 || column >= int(std::size(figures)))
+        return std::nullopt;
+    const Row &r = m_rows.at(row);
+    if (r.kind != Kind::Job || r.project.isEmpty() || figures[column].isEmpty())
+        return std::nullopt;
+    return FigureRef{figures[column], r.project, {}};
+}
+
+std::pair<int, int> WipScheduleTable::cellAt(const QPoint &pos) const
+{
+    int y = 0, row = -1;
+    for (int i = 0; i < m_rows.size(); ++i) {
+        const int height = m_rows.at(i).kind == Kind::Head ? m_headHeight : m_rowHeight;
+        if (pos.y() >= y && pos.y() < y + height) {
+            row = i;
+            break;
+        }
+        y += height;
+    }
+    int x = 0;
+    for (int c = 0; c < m_widths.size(); ++c) {
+        if (pos.x() >= x && pos.x() < x + m_widths.at(c))
+            return row < 0 ? std::pair{-1, -1} : std::pair{row, c};
+        x += m_widths.at(c);
+    }
+    return {-1, -1};
+}
+
+void WipScheduleTable::mouseReleaseEvent(QMouseEvent *event)
+{
+    const auto [row, column] = cellAt(event->position().toPoint());
+    if (event->button() == Qt::LeftButton)
+        if (const std::optional<FigureRef> ref = figureAt(row, column)) {
+            m_current = {row, column};
+            update();
+            Q_EMIT figureOpened(*ref);
+            return;
+        }
+    QWidget::mouseReleaseEvent(event);
+}
+
+void WipScheduleTable::keyPressEvent(QKeyEvent *event)
+{
+    // The keyboard walks the jobs' figures only: the cells that open something.
+    auto step = [this](int dr, int dc) {
+        auto [row, column] = m_current.first < 0 ? std::pair{0, 1} : m_current;
+        for (int guard = 0; guard < 400; ++guard) {
+            row += dr;
+            column += dc;
+            if (row < 0 || row >= m_rows.size() || column < 0 || column >= m_widths.size())
+                return;
+            if (figureAt(row, column)) {
+                m_current = {row, column};
+                update();
+                return;
+            }
+        }
+    };
+    switch (event->key()) {
+    case Qt::Key_Left: step(0, -1); return;
+    case Qt::Key_Right: step(0, 1); return;
+    case Qt::Key_Up: step(-1, 0); return;
+    case Qt::Key_Down: step(1, 0); return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (const std::optional<FigureRef> ref = figureAt(m_current.first, m_current.second)) {
+            Q_EMIT figureOpened(*ref);
+            return;
+        }
+        break;
+    default: break;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 // --- WipBillingChart ---
@@ -394,6 +501,9 @@ WipScheduleView::WipScheduleView(const DB &db, QWidget *parent)
     m_tableArea->viewport()->setAutoFillBackground(false);
     m_tableArea->setWidget(m_table);
     tableBox->addWidget(m_tableArea);
+    m_marks = new LookLabel(QString(), 11, QFont::Normal, true, m_tablePanel);
+    m_marks->setWordWrap(true);
+    tableBox->addWidget(m_marks);
     body->addWidget(m_tablePanel);
     body->addStretch(1);
 
@@ -423,6 +533,9 @@ void WipScheduleView::setSchedule(const WipSchedule &schedule)
 {
     m_schedule = schedule;
     m_table->setSchedule(schedule);
+    const QStringList marks = schedule.markNotes();
+    m_marks->setText(marks.join(u'\n'));
+    m_marks->setVisible(!marks.isEmpty());
     fitTable();
     m_chart->setSchedule(schedule);
 }
