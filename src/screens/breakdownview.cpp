@@ -45,7 +45,7 @@ BreakdownView::BreakdownView(DB &db, Nav &nav, QWidget *parent)
     , m_scope(new LookLabel({}, 12, QFont::DemiBold, true))
     , m_rule(new LookLabel({}, 11, QFont::Normal, true))
     , m_total(new LookLabel({}, 14, QFont::Bold))
-    , m_back(new FWChromeButton(u"Back"_s, u"chevron.left"_s))
+    , m_back(new FWChromeButton(u"Back"_s, u"arrow.uturn.backward"_s))
     , m_table(new QTableWidget(0, Cols))
 {
     setObjectName(u"breakdown"_s);
