@@ -8,7 +8,7 @@
 #include "workflows/breakdown.h"
 
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QTableWidget>
+#include <QtWidgets/QTableView>
 
 using namespace Qt::StringLiterals;
 
@@ -43,18 +43,30 @@ void runExplainBench(const QString &path, int runs, QTextStream &out)
     Bench::figure(out, n, u"largest breakdown, as text"_s, note.arg(kOpenTargetMs),
                   [&] { (void)Explain::lines(*Explain::explain(db, ref)); });
 
-    // Opening: the window is made once per main window, then shows each figure asked for.
+    // Opening from another figure of the window, as a click on a tile does; only the opening is timed.
     Nav nav;
     QWidget main;
     main.resize(1200, 800);
     main.show();
-    BreakdownView *view = BreakdownView::show(&main, db, nav, {u"hub.cost"_s, {}, {}});
+    const FigureRef start{u"contract.revised"_s, busiest, {}};
+    BreakdownView *view = BreakdownView::show(&main, db, nav, start);
     QApplication::processEvents();
-    Bench::figure(out, n, u"largest breakdown, opened in its window"_s, note.arg(kOpenTargetMs), [&] {
+    std::vector<double> times;
+    for (int k = 0; k < n; ++k) {
+        view->back();
+        view->open(start);
+        QApplication::processEvents();
+        QElapsedTimer t;
+        t.start();
         view->open(ref);
         QApplication::processEvents();
-        view->back();
-    });
-    if (view->table()->rowCount() < 0)
-        out << "breakdown window lost its rows" << Qt::endl;
+        times.push_back(double(t.nsecsElapsed()) / 1e6);
+    }
+    std::sort(times.begin(), times.end());
+    Bench::print(out, u"largest breakdown, opened in its window"_s,
+                 {times[times.size() / 2], times.front(), times.back()}, note.arg(kOpenTargetMs));
+    view->open(ref);
+    if (view->table()->model()->rowCount() != b->rows.size())
+        out << "breakdown window: " << view->table()->model()->rowCount() << " rows, not " << b->rows.size()
+            << Qt::endl;
 }

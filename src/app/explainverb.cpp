@@ -83,8 +83,8 @@ int explain(const QStringList &given, QTextStream &out, QTextStream &err)
     return 0;
 }
 
-const Verbs::Register
-    reg({u"explain"_s, u"<what> [--project <number>] [--code <cost code>] [record-id]"_s,
-         u"Print the records a figure is made of, and its total (--list names the figures)"_s, &explain});
+const Verbs::Register reg({u"explain"_s, u"<what> [--project <n>] [--code <c>] [record-id]"_s,
+                           u"Print the records a figure is made of and its total; --list names the figures"_s,
+                           &explain});
 
 } // namespace

@@ -21,7 +21,7 @@
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QScrollBar>
-#include <QtWidgets/QTableWidget>
+#include <QtWidgets/QTableView>
 
 using namespace Qt::StringLiterals;
 
@@ -37,6 +37,58 @@ QString keyOf(const Calc::Part &p)
 
 } // namespace
 
+// The rows of the breakdown shown, read as the table asks for them: a figure of
+// thousands of timecards costs nothing until its rows are scrolled to.
+class BreakdownModel : public QAbstractTableModel
+{
+public:
+    explicit BreakdownModel(QObject *parent)
+        : QAbstractTableModel(parent)
+    {}
+    void set(const Breakdown *b)
+    {
+        beginResetModel();
+        m_b = b;
+        endResetModel();
+    }
+    int rowCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() || !m_b ? 0 : int(m_b->rows.size());
+    }
+    int columnCount(const QModelIndex &parent = {}) const override { return parent.isValid() ? 0 : Cols; }
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        if (!m_b || !index.isValid() || index.row() >= m_b->rows.size())
+            return {};
+        const Calc::Part &p = m_b->rows.at(index.row());
+        if (role == Qt::TextAlignmentRole)
+            return index.column() == AmountCol ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
+        if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
+            return {};
+        switch (index.column()) {
+        case DateCol: return p.date;
+        case NumberCol: return p.number;
+        case DescriptionCol:
+            // A figure made of figures says so with a chevron: it opens here.
+            return p.figure.isEmpty() || !p.record.isEmpty() ? p.description : p.description + u"  ›"_s;
+        case RuleCol: return p.rule;
+        case AmountCol: return Explain::amountText(*m_b, p);
+        }
+        return {};
+    }
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override
+    {
+        if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+            return {};
+        static const QString heads[Cols] = {u"Date"_s, u"Number"_s, u"Description"_s, u"Rule applied"_s,
+                                            u"Amount"_s};
+        return section == AmountCol && m_b && m_b->quantity ? u"Quantity"_s : heads[section];
+    }
+
+private:
+    const Breakdown *m_b = nullptr;
+};
+
 BreakdownView::BreakdownView(DB &db, Nav &nav, QWidget *parent)
     : QWidget(parent, Qt::Window)
     , m_db(db)
@@ -46,7 +98,8 @@ BreakdownView::BreakdownView(DB &db, Nav &nav, QWidget *parent)
     , m_rule(new LookLabel({}, 11, QFont::Normal, true))
     , m_total(new LookLabel({}, 14, QFont::Bold))
     , m_back(new FWChromeButton(u"Back"_s, u"arrow.uturn.backward"_s))
-    , m_table(new QTableWidget(0, Cols))
+    , m_model(new BreakdownModel(this))
+    , m_table(new QTableView)
 {
     setObjectName(u"breakdown"_s);
     setWindowTitle(u"Breakdown"_s);
@@ -68,12 +121,16 @@ BreakdownView::BreakdownView(DB &db, Nav &nav, QWidget *parent)
     m_total->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     outer->addWidget(m_total);
 
-    m_table->setHorizontalHeaderLabels(
-        {u"Date"_s, u"Number"_s, u"Description"_s, u"Rule applied"_s, u"Amount"_s});
+    m_table->setModel(m_model);
+    m_model->set(&m_breakdown);
     m_table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
     m_table->verticalHeader()->hide();
+    // Rows of one height: thousands of them are laid out without measuring each.
+    m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_table->setWordWrap(false);
+    setAttribute(Qt::WA_StyledBackground);
     m_table->horizontalHeader()->setSectionResizeMode(DescriptionCol, QHeaderView::Stretch);
     m_table->horizontalHeader()->setSectionResizeMode(RuleCol, QHeaderView::Stretch);
     m_table->setAccessibleName(u"Rows of the figure"_s);
@@ -138,28 +195,32 @@ QString BreakdownView::ask(const QString &caption, const QString &name, const QS
 void BreakdownView::restyle()
 {
     const FWUI &ui = FWUI::shared();
+    const FWTheme &t = ui.theme();
     layout()->setContentsMargins(ui.px(16), ui.px(14), ui.px(16), ui.px(14));
+    // A window of its own: it paints the finish's colours itself.
+    setStyleSheet(u"BreakdownView { background: "_s + t.base.name() + u"; }"_s);
+    QColor grid = t.dim;
+    grid.setAlphaF(0.25);
+    m_table->setFont(ui.font(12));
+    m_table->setStyleSheet(
+        u"QTableView { background: "_s + t.panel.name() + u"; color: "_s + t.text.name() +
+        u"; gridline-color: "_s + grid.name(QColor::HexArgb) +
+        u"; border: none; selection-background-color: "_s + t.raised.name() + u"; selection-color: "_s +
+        t.accent2.name() + u"; } QHeaderView::section { background: "_s + t.base.name() + u"; color: "_s +
+        t.dim.name() + u"; border: none; padding: "_s + QString::number(ui.px(4)) + u"px; }"_s);
+    m_table->verticalHeader()->setDefaultSectionSize(ui.px(24));
     m_table->horizontalHeader()->resizeSection(DateCol, ui.px(96));
     m_table->horizontalHeader()->resizeSection(NumberCol, ui.px(90));
     m_table->horizontalHeader()->resizeSection(AmountCol, ui.px(130));
 }
 
-void BreakdownView::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
-        restyle();
-}
-
 void BreakdownView::open(const FigureRef &ref)
 {
     if (!m_ref.name.isEmpty() && !(ref == m_ref))
-        m_history.append({m_ref, m_table->currentRow(), m_table->verticalScrollBar()->value()});
+        m_history.append({m_ref, m_table->currentIndex().row(), m_table->verticalScrollBar()->value()});
     m_ref = ref;
-    m_table->clearContents();
-    m_table->setRowCount(0);
     refresh();
-    m_table->setCurrentCell(m_table->rowCount() > 0 ? 0 : -1, 0);
+    m_table->setCurrentIndex(m_model->index(0, 0));
     m_table->verticalScrollBar()->setValue(0);
 }
 
@@ -169,10 +230,8 @@ void BreakdownView::back()
         return;
     const Place place = m_history.takeLast();
     m_ref = place.ref;
-    m_table->setRowCount(0);
     refresh();
-    if (place.row >= 0 && place.row < m_table->rowCount())
-        m_table->setCurrentCell(place.row, 0);
+    m_table->setCurrentIndex(m_model->index(place.row, 0));
     m_table->verticalScrollBar()->setValue(place.scroll);
 }
 
@@ -190,10 +249,9 @@ void BreakdownView::refresh()
 void BreakdownView::fill()
 {
     // The row the user is on and the scroll stay put when the rows change under them.
-    const int currentRow = m_table->currentRow();
-    const QString current = currentRow >= 0 && m_table->item(currentRow, 0)
-                                ? m_table->item(currentRow, 0)->data(Qt::UserRole).toString()
-                                : QString();
+    const QModelIndex at = m_table->currentIndex();
+    const QString current =
+        at.isValid() && at.row() < m_shownKeys.size() ? m_shownKeys.at(at.row()) : QString();
     const int scroll = m_table->verticalScrollBar()->value();
 
     const Breakdown &b = m_breakdown;
@@ -210,34 +268,18 @@ void BreakdownView::fill()
     m_rule->setText(m_problem.isEmpty() ? u"Rule: "_s + b.rule : m_problem);
     m_total->setText(u"Total  "_s + Explain::totalText(b));
     m_back->setEnabled(!m_history.isEmpty());
-    m_table->horizontalHeaderItem(AmountCol)->setText(b.quantity ? u"Quantity"_s : u"Amount"_s);
 
-    m_table->setRowCount(int(b.rows.size()));
+    m_model->set(&m_breakdown);
+    m_shownKeys.clear();
+    m_shownKeys.reserve(b.rows.size());
     int keep = -1;
-    for (int r = 0; r < b.rows.size(); ++r) {
-        const Calc::Part &p = b.rows.at(r);
-        // A figure made of figures says so with a chevron: it opens here.
-        const QString description =
-            p.figure.isEmpty() || !p.record.isEmpty() ? p.description : p.description + u"  ›"_s;
-        const QString texts[Cols] = {p.date, p.number, description, p.rule, Explain::amountText(b, p)};
-        for (int c = 0; c < Cols; ++c) {
-            QTableWidgetItem *item = m_table->item(r, c);
-            if (!item) {
-                item = new QTableWidgetItem;
-                m_table->setItem(r, c, item);
-            }
-            if (item->text() != texts[c])
-                item->setText(texts[c]);
-            if (c == AmountCol)
-                item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        }
-        const QString key = keyOf(p);
-        m_table->item(r, 0)->setData(Qt::UserRole, key);
-        if (key == current)
-            keep = r;
+    for (const Calc::Part &p : b.rows) {
+        m_shownKeys.append(keyOf(p));
+        if (keep < 0 && !current.isEmpty() && m_shownKeys.last() == current)
+            keep = int(m_shownKeys.size()) - 1;
     }
     if (keep >= 0)
-        m_table->setCurrentCell(keep, m_table->currentColumn() < 0 ? 0 : m_table->currentColumn());
+        m_table->setCurrentIndex(m_model->index(keep, std::max(at.column(), 0)));
     m_table->verticalScrollBar()->setValue(scroll);
 }
 

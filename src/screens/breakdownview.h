@@ -13,7 +13,8 @@ class DB;
 class FWChromeButton;
 class LookLabel;
 class Nav;
-class QTableWidget;
+class QTableView;
+class BreakdownModel;
 
 class BreakdownView : public QWidget
 {
@@ -33,7 +34,7 @@ public:
     const Breakdown &breakdown() const { return m_breakdown; }
     // Why the figure could not be worked out, or empty.
     const QString &problem() const { return m_problem; }
-    QTableWidget *table() const { return m_table; }
+    QTableView *table() const { return m_table; }
     FWChromeButton *backButton() const { return m_back; }
     // Writes the breakdown as a PDF or a CSV file; false when it could not be written.
     bool savePdf(const QString &path) const;
@@ -47,9 +48,6 @@ public:
     static std::function<QString(QWidget *, const QString &caption, const QString &proposed,
                                  const QString &filter)> &
     askHook();
-
-protected:
-    void changeEvent(QEvent *event) override;
 
 private:
     void fill();
@@ -67,11 +65,13 @@ private:
     Breakdown m_breakdown;
     QString m_problem;
     QList<Place> m_history;
+    QStringList m_shownKeys; // each row's identity, to find the user's row again
     bool m_refreshQueued = false;
     LookLabel *m_title;
     LookLabel *m_scope;
     LookLabel *m_rule;
     LookLabel *m_total;
     FWChromeButton *m_back;
-    QTableWidget *m_table;
+    BreakdownModel *m_model;
+    QTableView *m_table;
 };
