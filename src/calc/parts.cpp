@@ -50,6 +50,9 @@ Part recordPart(const DB &db, const Rec &rec, qint64 amount, const QString &rule
     p.description = firstOf(db, rec,
                             {u"description", u"title", u"name", u"worker", u"equipment", u"vendor", u"party",
                              u"client", u"memo", u"type"});
+    // An application has no title of its own: its number names it.
+    if (rec.kind == u"pay_app")
+        p.description = u"Pay application #"_s + rec.f.value(u"number"_s);
     if (parent) {
         const QString whose = firstOf(db, *parent, {u"vendor", u"title", u"client", u"name"});
         if (!whose.isEmpty() && whose != p.description)

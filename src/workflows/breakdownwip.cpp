@@ -55,7 +55,7 @@ QString wipFigure(const DB &db, Breakdown &b, Wip which)
     const ProjectFigures f = ProjectFigures::of(db, project, sink);
     const WipLine l = WipSchedule::line(project, f);
     const bool marked = l.mark != WipLine::Mark::None;
-    b.scope = QString(l.number + u' ' + l.name).trimmed();
+    b.scope = u"WIP schedule"_s;
     const auto m = Calc::ruleMoney;
     auto fig = [&b](const QString &name, const QString &what, qint64 amount, const QString &rule = {}) {
         b.rows << Calc::figurePart(name, {}, what, amount, rule);

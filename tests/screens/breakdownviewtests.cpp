@@ -11,6 +11,7 @@
 #include "interchange/csv.h"
 #include "look/buttons.h"
 #include "screens/breakdownview.h"
+#include "screens/budgetscreen.h"
 #include "screens/figurelink.h"
 #include "screens/jobcostscreen.h"
 #include "screens/kpitile.h"
@@ -111,6 +112,34 @@ private Q_SLOTS:
         QCOMPARE(view->breakdown().total, cell->value());
         view->back();
         QCOMPARE(view->breakdown().ref.subject, QString());
+    }
+
+    // The budget screen's tiles, and a figure cell of its grid.
+    void budgetFigures_data()
+    {
+        QTest::addColumn<int>("tile");
+        QTest::addColumn<QString>("figure");
+        QTest::newRow("original contract") << 0 << u"contract.original"_s;
+        QTest::newRow("revised contract") << 1 << u"contract.revised"_s;
+        QTest::newRow("revised cost budget") << 2 << u"budget.revised"_s;
+        QTest::newRow("projected margin") << 3 << u"budget.margin"_s;
+        QTest::newRow("pending exposure") << 4 << u"contract.pending"_s;
+    }
+
+    void budgetFigures()
+    {
+        QFETCH(int, tile);
+        QFETCH(QString, figure);
+        Shop s;
+        QWidget window;
+        BudgetScreen screen(ScreenContext{s.db, s.nav, *Modules::get(u"budget")}, &window);
+        window.show();
+        KPITile *t = screen.tiles().at(tile);
+        QTest::mouseClick(t, Qt::LeftButton);
+        auto *view = window.findChild<BreakdownView *>(u"breakdown"_s);
+        QVERIFY2(view, "a click on the tile opened no breakdown");
+        QCOMPARE(view->breakdown().ref, (FigureRef{figure, s.project.id, {}}));
+        QCOMPARE(Money::fmt(view->breakdown().total), t->value());
     }
 
     // A row opens its record in the main window; the breakdown keeps its row and scroll.
