@@ -175,7 +175,7 @@ QStringList wipScheduleCells(const WipLine &l)
     // A job whose outcome cannot be estimated has no percent and no gross profit to show.
     const bool marked = l.mark != WipLine::Mark::None;
     return {l.number,
-            marked ? l.name + u" · "_s + WipSchedule::markText(l.mark) : l.name,
+            marked ? WipSchedule::markText(l.mark) + u" · "_s + l.name : l.name,
             m(l.contract),
             m(l.estimatedCost),
             marked ? u"—"_s : m(l.estimatedProfit),

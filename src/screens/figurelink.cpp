@@ -34,6 +34,10 @@ protected:
         if (watched != m_figure)
             return false;
         switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+            // The press is the figure's: what it sits on (a card that chooses its project) never sees it.
+            return static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton;
         case QEvent::MouseButtonRelease:
             if (static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton &&
                 m_figure->rect().contains(static_cast<QMouseEvent *>(event)->position().toPoint()))

@@ -206,6 +206,11 @@ void ProjectCard::present(const Rec &project, const ProjectFigures &f, bool mone
     }
 }
 
+QList<QWidget *> ProjectCard::figures() const
+{
+    return {m_contract, m_billed, m_margin};
+}
+
 void ProjectCard::mousePressEvent(QMouseEvent *event)
 {
     // Taking the press makes the card receive the release that chooses it.
@@ -446,6 +451,12 @@ void HubScreen::refresh()
         for (qsizetype i = 0; i < projects.size(); ++i) {
             auto *card = new ProjectCard(projects[i], figures[i], money);
             connect(card, &ProjectCard::chosen, this, [this](const QString &id) { m_nav.setProjectID(id); });
+            static const QString cardFigures[] = {u"contract.revised"_s, u"project.billed"_s,
+                                                  u"budget.margin"_s};
+            for (int k = 0; k < 3; ++k)
+                FigureLink::attach(
+                    card->figures().at(k), m_db, m_nav,
+                    [ref = FigureRef{cardFigures[k], projects[i].id, {}}] { return std::optional(ref); });
             cards << card;
         }
         m_cards->setWidgets(cards);

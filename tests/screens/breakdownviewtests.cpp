@@ -13,13 +13,17 @@
 #include "screens/breakdownview.h"
 #include "screens/budgetscreen.h"
 #include "screens/figurelink.h"
+#include "screens/hubscreen.h"
 #include "screens/jobcostscreen.h"
 #include "screens/kpitile.h"
 #include "screens/moneygrid.h"
+#include "screens/wipscheduleview.h"
 #include "shell/nav.h"
 #include "store/db.h"
+#include "workflows/wipschedule.h"
 
 #include <QtCore/QTemporaryDir>
+#include <QtTest/QSignalSpy>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QTableView>
 
@@ -140,6 +144,81 @@ private Q_SLOTS:
         QVERIFY2(view, "a click on the tile opened no breakdown");
         QCOMPARE(view->breakdown().ref, (FigureRef{figure, s.project.id, {}}));
         QCOMPARE(Money::fmt(view->breakdown().total), t->value());
+    }
+
+    // The hub's tiles add up what it lists; a card's figures open that project's, leaving the choice alone.
+    void hubFigures_data()
+    {
+        QTest::addColumn<int>("tile");
+        QTest::addColumn<QString>("figure");
+        QTest::newRow("revised contracts") << 0 << u"hub.revised"_s;
+        QTest::newRow("pending exposure") << 1 << u"hub.pending"_s;
+        QTest::newRow("billed") << 2 << u"hub.billed"_s;
+        QTest::newRow("retainage") << 3 << u"hub.retainage"_s;
+        QTest::newRow("cost") << 4 << u"hub.cost"_s;
+    }
+
+    void hubFigures()
+    {
+        QFETCH(int, tile);
+        QFETCH(QString, figure);
+        Shop s;
+        s.nav.setProjectID(QString());
+        QWidget window;
+        HubScreen screen(ScreenContext{s.db, s.nav, *Modules::get(u"hub")}, &window);
+        window.show();
+        KPITile *t = screen.tiles().at(tile);
+        QTest::mouseClick(t, Qt::LeftButton);
+        auto *view = window.findChild<BreakdownView *>(u"breakdown"_s);
+        QVERIFY2(view, "a click on the tile opened no breakdown");
+        QCOMPARE(view->breakdown().ref, (FigureRef{figure, {}, {}}));
+        QCOMPARE(Money::fmt(view->breakdown().total), t->value());
+
+        QVERIFY(!screen.cards().isEmpty());
+        QTest::mouseClick(screen.cards().first()->figures().at(1), Qt::LeftButton);
+        QCOMPARE(view->breakdown().ref, (FigureRef{u"project.billed"_s, s.project.id, {}}));
+        QCOMPARE(s.nav.projectID(), QString());
+    }
+
+    // A job's cell of the WIP schedule opens its column's figure, by a click or by the keyboard.
+    void wipScheduleCells()
+    {
+        Shop s;
+        WipScheduleTable table;
+        table.setSchedule(WipSchedule::of(s.db));
+        table.resize(table.sizeHint());
+        table.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&table));
+        QSignalSpy opened(&table, &WipScheduleTable::figureOpened);
+        int job = -1;
+        for (int r = 0; r < table.rows().size(); ++r)
+            if (table.rows().at(r).kind == WipScheduleTable::Kind::Job &&
+                !table.rows().at(r).project.isEmpty())
+                job = r;
+        QVERIFY(job > 0);
+        // The middle of the job's over-billings cell, found as the table finds it.
+        QPoint at(-1, -1);
+        for (int y = 0; y < table.height() && at.x() < 0; y += 2)
+            for (int x = 0; x < table.width(); x += 3)
+                if (table.cellAt({x, y}) == std::pair{job, 12}) {
+                    at = {x + 8, y + 6};
+                    break;
+                }
+        QVERIFY(at.x() >= 0);
+        QTest::mouseClick(&table, Qt::LeftButton, {}, at);
+        QCOMPARE(opened.size(), 1);
+        QCOMPARE(opened.at(0).at(0).value<FigureRef>(), (FigureRef{u"wip.overbilled"_s, s.project.id, {}}));
+        // Left skips nothing that opens: billed to date; % complete opens nothing and is passed over.
+        table.setFocus();
+        QTest::keyClick(&table, Qt::Key_Left);
+        QTest::keyClick(&table, Qt::Key_Return);
+        QCOMPARE(opened.last().at(0).value<FigureRef>().name, u"wip.billed"_s);
+        for (int k = 0; k < 4; ++k)
+            QTest::keyClick(&table, Qt::Key_Left);
+        QCOMPARE(table.current(), (std::pair{job, 6}));
+        // A total's cell opens nothing.
+        QTest::keyClick(&table, Qt::Key_Down);
+        QCOMPARE(table.current().first, job);
     }
 
     // A row opens its record in the main window; the breakdown keeps its row and scroll.
