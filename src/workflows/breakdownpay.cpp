@@ -54,7 +54,11 @@ QString payFigure(const DB &db, Breakdown &b, Pay which)
         b.rule = rule;
         for (qsizetype i = 0; i < data.calc.rows.size(); ++i) {
             const auto [amount, how] = of(data.calc.rows.at(i));
-            b.rows << Calc::recordPart(db, data.sov.at(i), amount, how);
+            Calc::Part p = Calc::recordPart(db, data.sov.at(i), amount, how);
+            // A schedule line is dated by the application it is billed on.
+            if (p.date.isEmpty())
+                p.date = app.f.value(u"periodTo"_s);
+            b.rows << p;
         }
         b.total = total;
     };
