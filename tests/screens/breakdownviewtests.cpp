@@ -298,6 +298,11 @@ private Q_SLOTS:
         QTemporaryDir dir;
         const QString pdf = dir.filePath(u"b.pdf"_s);
         QVERIFY(view->savePdf(pdf));
+        // TRESTLE_KEEP_PDF=<folder> keeps the file for a look with pdftoppm.
+        if (const QString keep = qEnvironmentVariable("TRESTLE_KEEP_PDF"); !keep.isEmpty()) {
+            QFile::remove(keep + u"/breakdown.pdf"_s);
+            QFile::copy(pdf, keep + u"/breakdown.pdf"_s);
+        }
         const QList<QStringList> pages = PdfCheck::pageWords(pdf);
         QCOMPARE(pages.size(), 1);
         const QString text = pages.first().join(u' ');
