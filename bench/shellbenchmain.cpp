@@ -1,4 +1,5 @@
 // The window's benchmark: its own executable, since the store's benchmark links no widgets.
+#include "explainbench.h"
 #include "ganttbench.h"
 #include "generator.h"
 #include "hubbench.h"
@@ -27,7 +28,9 @@ int main(int argc, char *argv[])
                                        QDir(QDir::tempPath()).filePath(u"trestle-bench-data"_s));
     const QCommandLineOption reuseOpt(u"reuse"_s, u"Reuse the reference store when it is there."_s);
     const QCommandLineOption runsOpt(u"runs"_s, u"Runs per figure."_s, u"N"_s, u"5"_s);
-    parser.addOptions({folderOpt, reuseOpt, runsOpt});
+    const QCommandLineOption onlyOpt(
+        u"only"_s, u"Measure one part only: shell, pay, hub, gantt or explain."_s, u"PART"_s);
+    parser.addOptions({folderOpt, reuseOpt, runsOpt, onlyOpt});
     parser.process(app);
     const QString folder = QDir(parser.value(folderOpt)).absolutePath();
     QDir().mkpath(folder);
@@ -44,9 +47,17 @@ int main(int argc, char *argv[])
         out << "generate: " << db.size() << " records" << Qt::endl;
     }
     Screens::registerAll();
-    runShellBench(path, runs, out);
-    runPayBench(path, runs, out);
-    runHubBench(path, runs, out);
-    runGanttBench(runs, out);
+    const QString only = parser.value(onlyOpt);
+    auto want = [&only](const QString &part) { return only.isEmpty() || only == part; };
+    if (want(u"shell"_s))
+        runShellBench(path, runs, out);
+    if (want(u"pay"_s))
+        runPayBench(path, runs, out);
+    if (want(u"hub"_s))
+        runHubBench(path, runs, out);
+    if (want(u"gantt"_s))
+        runGanttBench(runs, out);
+    if (want(u"explain"_s))
+        runExplainBench(path, runs, out);
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "budget.h"
 
+#include "fmt.h"
 #include "money.h"
 #include "rules.h"
 #include "store/db.h"
@@ -46,24 +47,42 @@ BudgetSummary budgetSummary(const QList<std::pair<QString, qint64>> &lines,
     return s;
 }
 
+qint64 variance(const CostRow &row)
+{
+    return Money::sub(row.budget, std::max(row.committed, row.actual));
+}
+
 } // namespace Calc
 
-Calc::BudgetSummary budget(const DB &db, const QString &projectId)
+Calc::BudgetSummary budget(const DB &db, const QString &projectId, const Calc::PartSink &sink)
 {
     QList<std::pair<QString, qint64>> lines;
-    for (const Rec &r : db.list(u"budget_line"_s, {.project = projectId}))
+    for (const Rec &r : db.list(u"budget_line"_s, {.project = projectId})) {
         lines.append({r.f[u"costCode"], r.i(u"original")});
+        if (sink) {
+            Calc::Part p = Calc::recordPart(db, r, r.i(u"original"), u"original budget of the line"_s);
+            p.column = Calc::OriginalColumn;
+            sink(std::move(p));
+        }
+    }
     // Owner and sub change orders alike move the cost budget; markup is revenue and stays out.
     QList<Calc::BudgetCOLine> coLines;
     for (const Rec &co : db.list(u"co"_s, {.project = projectId})) {
         const QString status = co.f[u"status"];
-        for (const Rec &line : db.list(u"co_line"_s, {.parent = co.id}))
+        for (const Rec &line : db.list(u"co_line"_s, {.parent = co.id})) {
             coLines.append({line.f[u"costCode"], line.i(u"amount"), status});
+            if (sink && (status == u"approved" || status == u"pending")) {
+                Calc::Part p = Calc::recordPart(db, line, line.i(u"amount"),
+                                                u"change-order line, "_s + status + u", without markup"_s);
+                p.column = status == u"approved" ? Calc::ApprovedColumn : Calc::PendingColumn;
+                sink(std::move(p));
+            }
+        }
     }
     return Calc::budgetSummary(lines, coLines);
 }
 
-Calc::JobCost jobCost(const DB &db, const QString &projectId)
+Calc::JobCost jobCost(const DB &db, const QString &projectId, const Calc::PartSink &sink)
 {
     Calc::JobCost jc;
     auto rowOf = [&jc](const QString &code) -> Calc::CostRow & {
@@ -91,8 +110,17 @@ Calc::JobCost jobCost(const DB &db, const QString &projectId)
             if (code.isEmpty())
                 code = poCode;
             Calc::CostRow &row = rowOf(code);
-            row.committed =
-                Money::add(row.committed, Calc::lineAmount({line.d(u"qty"), line.i(u"unitCost")}));
+            const qint64 amount = Calc::lineAmount({line.d(u"qty"), line.i(u"unitCost")});
+            row.committed = Money::add(row.committed, amount);
+            if (sink) {
+                Calc::Part p = Calc::recordPart(db, line, amount,
+                                                Fmt::qty(line.d(u"qty")) + u" × "_s +
+                                                    Calc::ruleMoney(line.i(u"unitCost")) + u", PO "_s +
+                                                    po.f[u"status"].toLower());
+                p.column = Calc::CommittedColumn;
+                p.code = code;
+                sink(std::move(p));
+            }
         }
     }
 
@@ -103,8 +131,9 @@ Calc::JobCost jobCost(const DB &db, const QString &projectId)
         DB::ListKey key;
         QString code;
     };
+    // `amount` gives a record's cost, and its rule in words when asked for one.
     auto addUnordered = [&](const QString &kind,
-                            const std::function<void(const Rec &, Calc::CostRow &)> &add) {
+                            const std::function<qint64(const Rec &, QString *)> &amount) {
         QHash<QString, DB::ListKey> firsts;
         db.visitUnordered(kind, {.project = projectId}, [&](const Rec &r, const DB::ListKey &key) {
             const QString code = r.f[u"costCode"];
@@ -115,7 +144,17 @@ Calc::JobCost jobCost(const DB &db, const QString &projectId)
             } else if (!jc.rows.contains(code)) {
                 firsts.insert(code, key);
             }
-            add(r, jc.rows[code]);
+            Calc::CostRow &row = jc.rows[code];
+            if (!sink) {
+                row.actual = Money::add(row.actual, amount(r, nullptr));
+                return;
+            }
+            QString rule;
+            const qint64 cents = amount(r, &rule);
+            row.actual = Money::add(row.actual, cents);
+            Calc::Part p = Calc::recordPart(db, r, cents, rule);
+            p.column = Calc::ActualColumn;
+            sink(std::move(p));
         });
         QList<First> fresh;
         for (auto it = firsts.cbegin(); it != firsts.cend(); ++it)
@@ -126,21 +165,28 @@ Calc::JobCost jobCost(const DB &db, const QString &projectId)
             jc.order.append(f.code);
     };
 
-    addUnordered(u"expense"_s, [](const Rec &bill, Calc::CostRow &row) {
-        row.actual = Money::add(row.actual, bill.i(u"amount"));
+    addUnordered(u"expense"_s, [](const Rec &bill, QString *rule) {
+        if (rule)
+            *rule = u"bill amount"_s;
+        return bill.i(u"amount");
     });
 
     // Labour at the timecard's own rate: the worker's rate when the card was filled.
-    addUnordered(u"timecard"_s, [](const Rec &card, Calc::CostRow &row) {
+    addUnordered(u"timecard"_s, [](const Rec &card, QString *rule) {
         const double hours = Calc::shiftHours(card.f[u"in"], card.f[u"out"], card.i(u"break"));
-        row.actual = Money::add(row.actual, Money::fromDouble(hours * double(card.i(u"rate"))));
+        if (rule)
+            *rule = Fmt::qty(hours) + u" h × "_s + Calc::ruleMoney(card.i(u"rate")) + u" an hour"_s;
+        return Money::fromDouble(hours * double(card.i(u"rate")));
     });
 
     // A log without a known machine still shows its code, at no cost.
-    addUnordered(u"equip_log"_s, [&db](const Rec &log, Calc::CostRow &row) {
+    addUnordered(u"equip_log"_s, [&db](const Rec &log, QString *rule) {
         const Rec *machine = db.find(log.f[u"equipment"]);
         const qint64 rate = machine ? machine->i(u"rate") : 0;
-        row.actual = Money::add(row.actual, Money::fromDouble(log.d(u"hours") * double(rate)));
+        if (rule)
+            *rule = Fmt::qty(log.d(u"hours")) + u" h × "_s +
+                    (machine ? Calc::ruleMoney(rate) + u" an hour"_s : u"no rate (machine not found)"_s);
+        return Money::fromDouble(log.d(u"hours") * double(rate));
     });
 
     for (const QString &code : std::as_const(jc.order)) {

@@ -1,4 +1,6 @@
 #pragma once
+#include "parts.h"
+
 #include <QtCore/QHash>
 #include <QtCore/QStringList>
 
@@ -55,10 +57,18 @@ struct JobCost
 // Budget lines first, then change-order lines, each code's row made on first sight.
 BudgetSummary budgetSummary(const QList<std::pair<QString, qint64>> &lines,
                             const QList<BudgetCOLine> &coLines);
+// What the job-cost screen calls variance: budget less the larger of committed and actual.
+qint64 variance(const CostRow &row);
+
+// The `column` of the budget's parts, and of the job cost's.
+enum BudgetColumn { OriginalColumn, ApprovedColumn, PendingColumn };
+enum CostColumn { CommittedColumn, ActualColumn };
 
 } // namespace Calc
 
 // The project's budget by cost code, with owner and sub change orders.
-Calc::BudgetSummary budget(const DB &db, const QString &projectId);
+// Each budget line and change-order line goes to `sink` as it is added in.
+Calc::BudgetSummary budget(const DB &db, const QString &projectId, const Calc::PartSink &sink = {});
 // Budget against committed (issued POs) and actual (bills, labour, equipment) by cost code.
-Calc::JobCost jobCost(const DB &db, const QString &projectId);
+// Each PO line, bill, timecard and equipment log goes to `sink` as it is added in.
+Calc::JobCost jobCost(const DB &db, const QString &projectId, const Calc::PartSink &sink = {});

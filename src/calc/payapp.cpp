@@ -143,6 +143,8 @@ PayAppData compute(const DB &db, ProjectData &pd, const Rec &pa, int depth)
     data.calc = Calc::payApp(lines, pa.d(u"retWork"), pa.d(u"retMat"), pd.project.i(u"contract"),
                              pd.contract.approved, previousL6);
     data.sov = pd.sov;
+    if (previous && depth < kMaxDepth)
+        data.previous = previous->id;
     pd.l6Done.insert(pa.id, data.calc.g702.l6);
     return data;
 }

@@ -72,6 +72,7 @@ struct PayAppData
 {
     Calc::PayApp calc;
     QList<Rec> sov;
+    QString previous; // id of the application whose line 6 is line 7, or empty
 };
 
 // Figures of a pay application, chained through the earlier ones (depth: 0 from outside).

@@ -101,11 +101,17 @@ QString statutoryWarning(const QString &state)
 
 } // namespace Calc
 
-double installed(const DB &db, const Rec &unitItem)
+double installed(const DB &db, const Rec &unitItem, const Calc::PartSink &sink)
 {
     double qty = 0;
     for (const Rec &log : db.list(u"qty_log"_s, {.project = unitItem.project}))
-        if (log.f[u"item"] == unitItem.id)
+        if (log.f[u"item"] == unitItem.id) {
             qty += log.d(u"qty");
+            if (sink) {
+                Calc::Part p = Calc::recordPart(db, log, 0, u"quantity logged"_s);
+                p.qty = log.d(u"qty");
+                sink(std::move(p));
+            }
+        }
     return qty;
 }

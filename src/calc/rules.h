@@ -1,4 +1,6 @@
 #pragma once
+#include "parts.h"
+
 #include <QtCore/QDate>
 #include <QtCore/QList>
 #include <QtCore/QSet>
@@ -52,4 +54,5 @@ QString statutoryWarning(const QString &state);
 } // namespace Calc
 
 // Quantity installed to date of a unit-price item, from the project's quantity logs.
-double installed(const DB &db, const Rec &unitItem);
+// Each log goes to `sink` with its quantity.
+double installed(const DB &db, const Rec &unitItem, const Calc::PartSink &sink = {});

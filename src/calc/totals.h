@@ -1,4 +1,6 @@
 #pragma once
+#include "parts.h"
+
 #include <QtCore/QList>
 #include <QtCore/QString>
 
@@ -74,10 +76,15 @@ ContractSummary contractSummary(qint64 original, const QList<ContractCO> &cos);
 
 } // namespace Calc
 
-// Store readers: gather the document's lines and call the pure functions.
-Calc::EstimateTotals estimateTotals(const DB &db, const Rec &estimate);
-Calc::InvoiceTotals invoiceTotals(const DB &db, const Rec &invoice);
-Calc::COTotals coTotals(const DB &db, const Rec &co);
-qint64 poTotal(const DB &db, const Rec &po);
-// The project's contract with its owner change orders.
-Calc::ContractSummary contract(const DB &db, const Rec &project);
+// Store readers: gather the document's lines and call the pure functions;
+// each line goes to `sink` with its rounded amount, the parts of the subtotal.
+Calc::EstimateTotals estimateTotals(const DB &db, const Rec &estimate, const Calc::PartSink &sink = {});
+Calc::InvoiceTotals invoiceTotals(const DB &db, const Rec &invoice, const Calc::PartSink &sink = {});
+Calc::COTotals coTotals(const DB &db, const Rec &co, const Calc::PartSink &sink = {});
+qint64 poTotal(const DB &db, const Rec &po, const Calc::PartSink &sink = {});
+namespace Calc {
+// The `column` of the contract's parts: each owner change order, approved or pending.
+enum ContractColumn { ContractApproved, ContractPending };
+} // namespace Calc
+// The project's contract with its owner change orders, each sent to `sink`.
+Calc::ContractSummary contract(const DB &db, const Rec &project, const Calc::PartSink &sink = {});

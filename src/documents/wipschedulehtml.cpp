@@ -172,14 +172,16 @@ QStringList wipScheduleHeads()
 QStringList wipScheduleCells(const WipLine &l)
 {
     const auto m = [](qint64 cents) { return Money::fmt(cents, false); };
+    // A job whose outcome cannot be estimated has no percent and no gross profit to show.
+    const bool marked = l.mark != WipLine::Mark::None;
     return {l.number,
-            l.name,
+            marked ? WipSchedule::markText(l.mark) + u" · "_s + l.name : l.name,
             m(l.contract),
             m(l.estimatedCost),
-            m(l.estimatedProfit),
+            marked ? u"—"_s : m(l.estimatedProfit),
             m(l.costToDate),
             m(l.costToComplete),
-            WipSchedule::percentText(l.percentTenths) + u'%',
+            marked ? u"—"_s : WipSchedule::percentText(l.percentTenths) + u'%',
             m(l.earned),
             m(l.profitToDate),
             m(l.lossProvision),
@@ -199,6 +201,9 @@ QString wipScheduleHTML(const DB &db, const WipSchedule &s)
            PDFOut::esc(DateFmt::nice(DateFmt::today())) +
            u". Amounts in dollars.<br><span style='font-size:6.5pt'>"_s +
            PDFOut::esc(WipSchedule::methodNote()) + u"</span></p>"_s;
+    QString marks;
+    for (const QString &note : s.markNotes())
+        marks += u"<p style='font-size:6.5pt;color:#444;margin-top:2pt'>"_s + PDFOut::esc(note) + u"</p>"_s;
 
     // The figures keep their whole width (the widest amount, or the longest
     // word of the head); the job's column has the rest of the line.
@@ -232,13 +237,14 @@ QString wipScheduleHTML(const DB &db, const WipSchedule &s)
     for (const WipSection *section : {&s.inProgress, &s.completed}) {
         out += across(section->title, columns, true, m);
         for (const WipLine &l : section->lines)
-            out += row(QString(l.number + u"  "_s + l.name).trimmed(), l, false, room, m);
+            out += row(QString(l.number + u"  "_s + PrintReports::wipScheduleCells(l).at(1)).trimmed(), l,
+                       false, room, m);
         if (section->lines.isEmpty())
             out += across(u"None"_s, columns, false, m);
         out += row(u"Total "_s + section->title.toLower(), section->total, true, room, m, u"#f2f2f5"_s);
     }
     out += row(u"Total all contracts"_s, s.total, true, room, m, u"#dcdce4"_s);
-    return out + u"</table>"_s;
+    return out + u"</table>"_s + marks;
 }
 
 PrintSource wipScheduleSource(const DB &db)

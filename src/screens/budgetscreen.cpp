@@ -1,5 +1,6 @@
 #include "budgetscreen.h"
 
+#include "figurelink.h"
 #include "kpitile.h"
 
 #include "calc/money.h"
@@ -70,6 +71,10 @@ BudgetScreen::BudgetScreen(const ScreenContext &ctx, QWidget *parent)
         {u"Projected margin"_s, u"chart.line.uptrend.xyaxis"_s},
         {u"Pending exposure"_s, u"exclamationmark.triangle"_s},
     });
+    const QStringList figures{u"contract.original"_s, u"contract.revised"_s, u"budget.revised"_s,
+                              u"budget.margin"_s, u"contract.pending"_s};
+    for (int i = 0; i < figures.size(); ++i)
+        FigureLink::attach(m_tiles[i], m_db, m_nav, FigureLink::ofProject(m_db, m_nav, figures[i]));
 
     auto *panel = new FWPanel(this);
     auto *col = new QVBoxLayout(panel);
@@ -139,9 +144,16 @@ MoneyGrid::Cells BudgetScreen::makeRow(const QString &key, QWidget *row)
 {
     const bool total = key == totalKey();
     const QString line = total ? QString() : key.section(u'\x1f', 1);
+    const QString subject = total ? QString() : FigureLink::codeSubject(key.section(u'\x1f', 0, 0));
+    // Each figure opens into what it is made of (a typed original is a record, not a figure).
+    auto figure = [this, row, &subject](const QString &name) {
+        auto *cell = new MoneyCell(row);
+        FigureLink::attach(cell, m_db, m_nav, FigureLink::ofProject(m_db, m_nav, name, subject));
+        return cell;
+    };
     MoneyGrid::Cells cells{MoneyGrid::text(row, total)};
     if (line.isEmpty()) {
-        cells.append(new MoneyCell(row));
+        cells.append(figure(u"budget.original"_s));
     } else {
         auto *box =
             new NumberField(TextBinding::of(recBinding(m_db, line, u"original"_s)), true, u"0.00"_s, row);
@@ -149,8 +161,9 @@ MoneyGrid::Cells BudgetScreen::makeRow(const QString &key, QWidget *row)
         box->setObjectName(u"original"_s);
         cells.append(box);
     }
-    for (int c = ApprovedCol; c <= ProjectedCol; ++c)
-        cells.append(new MoneyCell(row));
+    for (const QString &name :
+         {u"budget.approved"_s, u"budget.revised"_s, u"budget.pending"_s, u"budget.projected"_s})
+        cells.append(figure(name));
     if (line.isEmpty()) {
         cells.append(new QWidget(row));
     } else {

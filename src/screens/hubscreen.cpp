@@ -1,6 +1,7 @@
 #include "hubscreen.h"
 
 #include "fieldpulse.h"
+#include "figurelink.h"
 #include "hubparts.h"
 #include "kpitile.h"
 #include "projectchart.h"
@@ -208,6 +209,11 @@ void ProjectCard::present(const Rec &project, const ProjectFigures &f, bool mone
     }
 }
 
+QList<QWidget *> ProjectCard::figures() const
+{
+    return {m_contract, m_billed, m_margin};
+}
+
 void ProjectCard::mousePressEvent(QMouseEvent *event)
 {
     // Taking the press makes the card receive the release that chooses it.
@@ -354,6 +360,13 @@ HubScreen::HubScreen(const ScreenContext &ctx, QWidget *parent)
           std::pair{u"Retainage held"_s, u"lock.doc.fill"_s},
           std::pair{u"Cost to date"_s, u"creditcard.fill"_s}}) {
         auto *tile = new KPITile(title, symbol);
+        static const QString figures[] = {u"hub.revised"_s, u"hub.pending"_s, u"hub.billed"_s,
+                                          u"hub.retainage"_s, u"hub.cost"_s};
+        // Over what the hub lists: the chosen project, or every active one.
+        FigureLink::attach(tile, m_db, m_nav, [this, name = figures[m_tiles.size()]] {
+            const std::optional<Rec> chosen = m_nav.project(m_db);
+            return std::optional(FigureRef{name, chosen ? chosen->id : QString(), {}});
+        });
         m_tiles << tile;
         tiles << tile;
     }
@@ -451,6 +464,12 @@ void HubScreen::refresh()
         for (qsizetype i = 0; i < projects.size(); ++i) {
             auto *card = new ProjectCard(projects[i], figures[i], money);
             connect(card, &ProjectCard::chosen, this, [this](const QString &id) { m_nav.setProjectID(id); });
+            static const QString cardFigures[] = {u"contract.revised"_s, u"project.billed"_s,
+                                                  u"budget.margin"_s};
+            for (int k = 0; k < 3; ++k)
+                FigureLink::attach(
+                    card->figures().at(k), m_db, m_nav,
+                    [ref = FigureRef{cardFigures[k], projects[i].id, {}}] { return std::optional(ref); });
             cards << card;
         }
         m_cards->setWidgets(cards);

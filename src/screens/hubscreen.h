@@ -56,6 +56,8 @@ public:
     void present(const Rec &project, const ProjectFigures &figures, bool money);
     QString projectId() const { return m_id; }
     RingGauge *gauge() const { return m_gauge; }
+    // The contract, billed and margin figures, in that order.
+    QList<QWidget *> figures() const;
     // The part of the time from `start` to `end` that has passed at `now`; 0
     // unless both dates read and the end is after the start.
     static double scheduleFraction(const Rec &project, const QDateTime &now);

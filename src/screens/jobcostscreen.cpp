@@ -1,5 +1,6 @@
 #include "jobcostscreen.h"
 
+#include "figurelink.h"
 #include "kpitile.h"
 
 #include "calc/money.h"
@@ -68,6 +69,10 @@ JobCostScreen::JobCostScreen(const ScreenContext &ctx, QWidget *parent)
                         {u"Committed"_s, u"cart"_s},
                         {u"Actual cost"_s, u"creditcard"_s},
                         {u"Variance"_s, u"plusminus"_s}});
+    const QStringList figures{u"jobcost.budget"_s, u"jobcost.committed"_s, u"jobcost.actual"_s,
+                              u"jobcost.variance"_s};
+    for (int i = 0; i < figures.size(); ++i)
+        FigureLink::attach(m_tiles[i], m_db, m_nav, FigureLink::ofProject(m_db, m_nav, figures[i]));
     auto *panel = new FWPanel(this);
     auto *col = new QVBoxLayout(panel);
     col->addWidget(m_grid);
@@ -90,7 +95,7 @@ void JobCostScreen::registerScreen()
 
 qint64 JobCostScreen::variance(const Calc::CostRow &row)
 {
-    return Money::sub(row.budget, std::max(row.committed, row.actual));
+    return Calc::variance(row);
 }
 
 double JobCostScreen::spentPercent(const Calc::CostRow &row)
@@ -138,11 +143,18 @@ void JobCostScreen::refresh()
 
     QStringList keys = jc.order;
     keys.append(totalKey());
-    m_grid->sync(keys, [](const QString &key, QWidget *row) {
+    m_grid->sync(keys, [this](const QString &key, QWidget *row) {
         const bool total = key == totalKey();
         MoneyGrid::Cells cells{MoneyGrid::text(row, total), new SpentCell(row)};
-        for (int c = BudgetCol; c <= VarianceCol; ++c)
-            cells.append(new MoneyCell(row));
+        static const QString figures[] = {u"jobcost.budget"_s, u"jobcost.committed"_s, u"jobcost.actual"_s,
+                                          u"jobcost.variance"_s};
+        for (int c = BudgetCol; c <= VarianceCol; ++c) {
+            auto *cell = new MoneyCell(row);
+            FigureLink::attach(cell, m_db, m_nav,
+                               FigureLink::ofProject(m_db, m_nav, figures[c - BudgetCol],
+                                                     total ? QString() : FigureLink::codeSubject(key)));
+            cells.append(cell);
+        }
         return cells;
     });
     for (const QString &key : keys) {

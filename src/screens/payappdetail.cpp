@@ -148,10 +148,16 @@ PayAppDetail::PayAppDetail(DB &db, Nav &nav, const QString &payAppId, QWidget *p
     auto *summaryPanel = new FWPanel(this);
     auto *summary = new QGridLayout(summaryPanel);
     summary->addWidget(m_summaryTitle, 0, 0, 1, 2);
+    static const QString lineFigures[] = {
+        u"payapp.original"_s,  u"payapp.changes"_s,        u"payapp.contractsum"_s,
+        u"payapp.completed"_s, u"payapp.retainage.work"_s, u"payapp.retainage.stored"_s,
+        u"payapp.retainage"_s, u"payapp.earned"_s,         u"payapp.previous"_s,
+        u"payapp.due"_s,       u"payapp.balance"_s};
     for (const QString &label : g702Labels()) {
         const int row = int(m_summaryLabels.size()) + 1;
         auto *l = new QLabel(label, summaryPanel);
         auto *v = new MoneyCell(summaryPanel);
+        FigureLink::attach(v, m_db, m_nav, appFigure(lineFigures[m_summaryLabels.size()]));
         summary->addWidget(l, row, 0);
         summary->addWidget(v, row, 1);
         m_summaryLabels.append(l);
@@ -205,6 +211,15 @@ void PayAppDetail::restyle()
     m_retWork->setFixedWidth(ui.px(110));
     m_retMat->setFixedWidth(ui.px(110));
     m_status->setMinimumWidth(ui.px(150));
+}
+
+FigureLink::RefFn PayAppDetail::appFigure(const QString &name) const
+{
+    return [this, name]() -> std::optional<FigureRef> {
+        if (m_id.isEmpty())
+            return std::nullopt;
+        return FigureRef{name, {}, m_id};
+    };
 }
 
 const QStringList &PayAppDetail::g702Labels()
@@ -290,11 +305,18 @@ void PayAppDetail::refresh()
     keys.append(totalKey());
     m_sheet->sync(keys, [this](const QString &key, QWidget *row) {
         const bool total = key == totalKey();
-        MoneyGrid::Cells cells{MoneyGrid::text(row, total), MoneyGrid::text(row, total), new MoneyCell(row),
-                               new MoneyCell(row)};
+        // The total row's figures open into the sheet's lines.
+        auto money = [this, row, total](const QString &figure) {
+            auto *cell = new MoneyCell(row);
+            if (total)
+                FigureLink::attach(cell, m_db, m_nav, appFigure(figure));
+            return cell;
+        };
+        MoneyGrid::Cells cells{MoneyGrid::text(row, total), MoneyGrid::text(row, total),
+                               money(u"payapp.scheduled"_s), money(u"payapp.workprevious"_s)};
         for (const QString &field : {u"thisPeriod"_s, u"stored"_s}) {
             if (total) {
-                cells.append(new MoneyCell(row));
+                cells.append(money(field == u"stored" ? u"payapp.stored"_s : u"payapp.thisperiod"_s));
                 continue;
             }
             auto *box = new NumberField(lineBinding(m_db, m_id, key, field), true, u"0.00"_s, row);
@@ -302,7 +324,8 @@ void PayAppDetail::refresh()
             box->setObjectName(field);
             cells.append(box);
         }
-        cells << new MoneyCell(row) << pctCell(row, total) << new MoneyCell(row) << new MoneyCell(row);
+        cells << money(u"payapp.completed"_s) << pctCell(row, total) << money(u"payapp.tofinish"_s)
+              << money(u"payapp.retainage"_s);
         return cells;
     });
     auto fill = [&](const QString &key, const QString &item, const QString &description, qint64 scheduled,

@@ -1,4 +1,5 @@
 #pragma once
+#include "figurelink.h"
 #include "shell/refreshable.h"
 
 #include "calc/payapp.h"
@@ -59,6 +60,8 @@ public:
     static QString totalKey();
 
 private:
+    // A figure of the application shown, whichever it is when the figure is opened.
+    FigureLink::RefFn appFigure(const QString &name) const;
     void savePDF();
     void restyle();
     DB &m_db;

@@ -1,6 +1,9 @@
 #include "reportsscreen.h"
 #include "shell/savedpdf.h"
 
+#include "breakdownview.h"
+#include "figurelink.h"
+
 #include "fieldpulse.h"
 #include "hubparts.h"
 #include "projectchart.h"
@@ -67,6 +70,12 @@ WipTable::WipTable(QWidget *parent)
     };
     margins();
     connect(&FWUI::shared(), &FWUI::changed, this, margins);
+}
+
+QWidget *WipTable::cell(int row, int column) const
+{
+    QLayoutItem *item = m_grid->itemAtPosition(row + 1, column);
+    return item ? item->widget() : nullptr;
 }
 
 QStringList WipTable::heads()
@@ -195,6 +204,8 @@ ReportsScreen::ReportsScreen(const ScreenContext &ctx, QWidget *parent)
     m_schedule = new WipScheduleView(m_db, m_stack);
     connect(m_schedule, &WipScheduleView::pdfRequested, this, &ReportsScreen::saveSchedulePDF);
     connect(m_schedule, &WipScheduleView::csvRequested, this, &ReportsScreen::saveScheduleCSV);
+    connect(m_schedule->table(), &WipScheduleTable::figureOpened, this,
+            [this](const FigureRef &ref) { BreakdownView::show(this, m_db, m_nav, ref); });
     m_stack->addWidget(m_schedule);
     switchRow->addWidget(m_schedule->buttons());
     m_box->addWidget(m_stack, 1);
@@ -240,6 +251,24 @@ void ReportsScreen::refresh()
         }
         m_chart->setGroups(groups);
         m_table->setRows(rows);
+        // Each project's figures open into their breakdowns; labels kept from the last rows keep theirs.
+        static const QString columnFigures[] = {{},
+                                                {},
+                                                u"contract.revised"_s,
+                                                u"project.billed"_s,
+                                                {},
+                                                u"project.retainage"_s,
+                                                u"project.paid"_s,
+                                                u"jobcost.actual"_s,
+                                                u"budget.margin"_s};
+        for (int r = 0; r < projects.size(); ++r)
+            for (int c = 0; c < int(std::size(columnFigures)); ++c)
+                if (QWidget *cell = m_table->cell(r, c);
+                    cell && !columnFigures[c].isEmpty() && !FigureLink::refOf(cell))
+                    FigureLink::attach(cell, m_db, m_nav,
+                                       [ref = FigureRef{columnFigures[c], projects.at(r).id, {}}] {
+                                           return std::optional(ref);
+                                       });
         // The schedule reads the same figures, so they are worked out once.
         m_schedule->setSchedule(WipSchedule::from(figures));
         m_pulse->refresh(std::nullopt);

@@ -28,6 +28,8 @@ public:
     // Shows these rows; the labels are rebuilt only when the rows differ.
     void setRows(const QList<QStringList> &rows);
     const QList<QStringList> &rows() const { return m_rows; }
+    // The label of row `row` (0 the first project) in `column`, or null.
+    QWidget *cell(int row, int column) const;
     // The column heads, as in the printed report.
     static QStringList heads();
 

@@ -56,6 +56,9 @@ WipScheduleTable::WipScheduleTable(QWidget *parent)
     : QWidget(parent)
 {
     setAccessibleName(PrintReports::kWipScheduleTitle);
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(false);
+    setCursor(Qt::PointingHandCursor);
     connect(&FWUI::shared(), &FWUI::changed, this, [this] {
         measure();
         update();
@@ -74,7 +77,8 @@ void WipScheduleTable::setSchedule(const WipSchedule &s)
     for (const WipSection *section : {&s.inProgress, &s.completed}) {
         rows.append({Kind::Title, {section->title}});
         for (const WipLine &l : section->lines)
-            rows.append({Kind::Job, PrintReports::wipScheduleCells(l), l.overBilled, l.underBilled});
+            rows.append(
+                {Kind::Job, PrintReports::wipScheduleCells(l), l.overBilled, l.underBilled, l.project});
         if (section->lines.isEmpty())
             rows.append({Kind::Job, {QString(), u"None"_s}});
         rows.append(total(Kind::Total, u"Total "_s + section->title.toLower(), section->total));
@@ -223,6 +227,14 @@ void WipScheduleTable::paintEvent(QPaintEvent *)
                 }
             }
             x += w;
+        }
+        if (hasFocus() && m_current.first == i && m_current.second >= 0 &&
+            m_current.second < m_widths.size()) {
+            int left = 0;
+            for (int c = 0; c < m_current.second; ++c)
+                left += m_widths.at(c);
+            p.setPen(QPen(t.accent, 1.5));
+            p.drawRect(QRect(left + 1, y + 1, m_widths.at(m_current.second) - 3, height - 3));
         }
         y += height;
         if (r.kind == Kind::Head || r.kind == Kind::Job) {
@@ -394,6 +406,9 @@ WipScheduleView::WipScheduleView(const DB &db, QWidget *parent)
     m_tableArea->viewport()->setAutoFillBackground(false);
     m_tableArea->setWidget(m_table);
     tableBox->addWidget(m_tableArea);
+    m_marks = new LookLabel(QString(), 11, QFont::Normal, true, m_tablePanel);
+    m_marks->setWordWrap(true);
+    tableBox->addWidget(m_marks);
     body->addWidget(m_tablePanel);
     body->addStretch(1);
 
@@ -423,6 +438,9 @@ void WipScheduleView::setSchedule(const WipSchedule &schedule)
 {
     m_schedule = schedule;
     m_table->setSchedule(schedule);
+    const QStringList marks = schedule.markNotes();
+    m_marks->setText(marks.join(u'\n'));
+    m_marks->setVisible(!marks.isEmpty());
     fitTable();
     m_chart->setSchedule(schedule);
 }

@@ -3,6 +3,7 @@
 // chart a surety reader looks at first, the table, and its PDF, CSV and print.
 #include "look/chrome.h"
 #include "projectchart.h"
+#include "workflows/breakdown.h"
 #include "workflows/wipschedule.h"
 
 #include "documents/printsource.h"
@@ -36,17 +37,31 @@ public:
         QStringList cells;
         qint64 over = 0;
         qint64 under = 0;
+        QString project = {}; // a job's project id
     };
     const QList<Row> &rows() const { return m_rows; }
     // The colour a cell is drawn in, for a look at the warning and accent rule.
     QColor colourOf(int row, int column) const;
+    // The figure a job's cell opens, by the cell's row and column; nothing for others.
+    std::optional<FigureRef> figureAt(int row, int column) const;
+    // The row and column under a point, or (-1, -1).
+    std::pair<int, int> cellAt(const QPoint &pos) const;
+    // The cell the keyboard is on (arrows move it, Enter opens it), or (-1, -1).
+    std::pair<int, int> current() const { return m_current; }
+
+Q_SIGNALS:
+    // A job's figure was clicked, or Enter pressed on it.
+    void figureOpened(const FigureRef &ref);
 
 protected:
     void paintEvent(QPaintEvent *) override;
     void resizeEvent(QResizeEvent *) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void measure();
+    std::pair<int, int> m_current{-1, -1};
     int othersWidth() const;
     int nameWidth(int total) const;
     QList<Row> m_rows;
@@ -106,6 +121,7 @@ private:
     WipSchedule m_schedule;
     QWidget *m_content;
     LookLabel *m_note;
+    LookLabel *m_marks; // what the marks on rows mean, when any row has one
     FWChromeButton *m_pdf;
     FWChromeButton *m_csv;
     WipBillingChart *m_chart;

@@ -70,13 +70,21 @@ WipLine WipSchedule::line(const Rec &project, const ProjectFigures &f)
     l.completed = completedStatus(project.f.value(u"status"_s));
     l.contract = f.contract.revised;
     l.costToDate = f.cost;
-    l.billed = f.billed;
+    // Only what has left the office is a billing; a draft can still change.
+    l.billed = f.billedOut;
     // Cost past the budget is the estimate; a completed job's cost is final.
     l.estimatedCost = l.completed ? l.costToDate : std::max(f.budget, l.costToDate);
     l.estimatedProfit = Money::sub(l.contract, l.estimatedCost);
     l.costToComplete = Money::sub(l.estimatedCost, l.costToDate);
 
-    if (l.completed) {
+    if (!l.completed && (l.contract <= 0 || f.budget <= 0)) {
+        // Without a contract or an estimate the outcome cannot be estimated: revenue
+        // matches cost (never past the contract) and no profit is recognised.
+        l.mark = l.contract <= 0 ? WipLine::Mark::NoContract : WipLine::Mark::NoEstimate;
+        l.estimatedProfit = 0;
+        l.earned = std::max<qint64>(0, std::min(l.costToDate, l.contract));
+        l.profitToDate = Money::sub(l.earned, l.costToDate);
+    } else if (l.completed) {
         l.percentTenths = 1000;
         l.earned = l.contract;
     } else {
@@ -91,10 +99,10 @@ WipLine WipSchedule::line(const Rec &project, const ProjectFigures &f)
 
     const qint64 earnedMargin = Money::sub(l.earned, l.costToDate);
     // A foreseen loss is taken whole, now: what cost has not yet shown is provided for.
-    if (l.estimatedProfit < 0) {
+    if (l.mark == WipLine::Mark::None && l.estimatedProfit < 0) {
         l.profitToDate = l.estimatedProfit;
         l.lossProvision = Money::sub(earnedMargin, l.estimatedProfit);
-    } else {
+    } else if (l.mark == WipLine::Mark::None) {
         l.profitToDate = earnedMargin;
     }
     const qint64 ahead = Money::sub(l.billed, l.earned);
@@ -137,7 +145,37 @@ QString WipSchedule::methodNote()
 {
     return u"Cost-to-cost method: % complete = cost to date ÷ estimated cost; earned revenue = contract × "
            u"% complete; over/under billing = billed to date − earned revenue, per job; a foreseen loss is "
-           u"taken in full."_s;
+           u"taken in full. Billed to date counts pay applications submitted, approved or paid and "
+           u"invoices neither draft nor void."_s;
+}
+
+QString WipSchedule::markText(WipLine::Mark mark)
+{
+    switch (mark) {
+    case WipLine::Mark::NoEstimate: return u"No estimate"_s;
+    case WipLine::Mark::NoContract: return u"No contract"_s;
+    case WipLine::Mark::None: break;
+    }
+    return {};
+}
+
+QStringList WipSchedule::markNotes() const
+{
+    bool estimate = false, contract = false;
+    for (const WipLine &l : inProgress.lines) {
+        estimate = estimate || l.mark == WipLine::Mark::NoEstimate;
+        contract = contract || l.mark == WipLine::Mark::NoContract;
+    }
+    QStringList notes;
+    if (estimate)
+        notes << u"No estimate: the job has no estimated cost (revised budget 0), so its outcome cannot be "
+                 u"estimated; revenue equal to cost to date is recognised, never past the contract, with no "
+                 u"gross profit."_s;
+    if (contract)
+        notes
+            << u"No contract: the job has no contract amount, so its outcome cannot be estimated; no revenue "
+               u"or profit is recognised and what is billed shows as over billing."_s;
+    return notes;
 }
 
 QString WipSchedule::plainMoney(qint64 cents)

@@ -11,10 +11,14 @@
 #include <utility>
 
 // One line of the schedule: a job, or the total of a section or of all.
-// Amounts are cents. For a job: T >= CTD, ETC = T - CTD, EGP = C - T,
-// E = C x P exactly, over and under billings are never both above zero.
+// Amounts are cents. For a job: T >= CTD, ETC = T - CTD, over and under
+// billings are never both above zero; unmarked, EGP = C - T and E = C x P
+// exactly; marked, EGP = 0 and E = CTD held within 0…C.
 struct WipLine
 {
+    // Why a job in progress recognises no profit: its outcome cannot be estimated.
+    enum class Mark { None, NoEstimate, NoContract };
+
     QString project; // the project's record id; empty on a total
     QString number;
     QString name;
@@ -32,6 +36,7 @@ struct WipLine
     qint64 overBilled = 0;      // max(B - E, 0)
     qint64 underBilled = 0;     // max(E - B, 0)
     qint64 backlog = 0;         // C - E
+    Mark mark = Mark::None;
     bool operator==(const WipLine &) const = default;
 };
 
@@ -63,6 +68,10 @@ struct WipSchedule
 
     // The method, in one line, as the screen and the document state it.
     static QString methodNote();
+    // The words a marked row carries: "No estimate", "No contract", or nothing.
+    static QString markText(WipLine::Mark mark);
+    // One note per mark the schedule's jobs carry, for under the table.
+    QStringList markNotes() const;
     // The CSV heads, then one row per job (no totals), money as plain numbers.
     QList<QStringList> csvRows() const;
     // Cents as a spreadsheet reads them: "1234.56", "-50.00".

@@ -39,14 +39,15 @@ while IFS='|' read -r line expected; do
         fail=1
     fi
 done <<'CASES'
-trestle |backup connect disconnect docx export-csv export-qb get history info log pdf proposal recover report restore sample server set snapshot snapshots
+trestle |backup connect disconnect docx explain export-csv export-qb get history info log pdf proposal recover report restore sample server set snapshot snapshots
 trestle history |
 trestle s|sample server set snapshot snapshots
 trestle server |add-login init push
 trestle server add-login conn jen --|--password-stdin --user
 trestle connect |
 trestle disconnect |
-trestle exp|export-csv export-qb
+trestle exp|explain export-csv export-qb
+trestle explain --|--code --list --project
 trestle --|--help --screenshot --version
 trestle report |budget hub jobcost project schedule wip wip-schedule
 trestle report wip|wip wip-schedule
