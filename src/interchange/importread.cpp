@@ -40,6 +40,12 @@ Table::Row trimmedRow(Table::Row row)
 
 QString decode(const QByteArray &bytes)
 {
+    // Excel's "Unicode Text" is UTF-16 with its byte-order mark.
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF")) {
+        QStringDecoder utf16(bytes.startsWith("\xFF\xFE") ? QStringConverter::Utf16LE
+                                                          : QStringConverter::Utf16BE);
+        return utf16.decode(bytes.mid(2));
+    }
     QByteArray body = bytes;
     if (body.startsWith("\xEF\xBB\xBF"))
         body.remove(0, 3);

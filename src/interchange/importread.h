@@ -31,8 +31,9 @@ struct Source
     QString error; // why nothing could be read; empty when read
 };
 
-// Text of a file's bytes: UTF-8 (with or without a byte-order mark) when the
-// bytes are valid UTF-8, else Windows-1252, as older Windows programs save.
+// Text of a file's bytes: UTF-16 after its byte-order mark; UTF-8 (with or
+// without a mark) when the bytes are valid UTF-8; else Windows-1252, as older
+// Windows programs save.
 QString decode(const QByteArray &bytes);
 // The cell separator a header line uses: comma, semicolon or tab, whichever
 // appears most outside quotes (comma when none does).

@@ -73,21 +73,20 @@ bool canUndo(const DB &db, const Undo &undo, QString *why)
     }
     // What the import made must not have gained records since: removing it would take them too.
     const QSet<QString> added(undo.added.cbegin(), undo.added.cend());
-    bool grew = false;
-    for (const QString &id : undo.added) {
-        const Rec *r = db.find(id);
-        if (!r)
-            continue;
-        const auto foreign = [&](const Rec &x) { grew = grew || !added.contains(x.id); };
-        if (r->kind == u"project")
-            db.forEach([&](const Rec &x) {
-                if (x.project == id)
-                    foreign(x);
-            });
-        if (grew)
-            return refuse(u"Records were added to \u201C"_s + db.label(id) +
-                          u"\u201D after the import, so the import can no longer be undone."_s);
-    }
+    QSet<QString> projects;
+    for (const QString &id : undo.added)
+        if (const Rec *r = db.find(id); r && r->kind == u"project")
+            projects.insert(id);
+    if (projects.isEmpty())
+        return true;
+    QString grown;
+    db.forEach([&](const Rec &x) {
+        if (grown.isEmpty() && projects.contains(x.project) && !added.contains(x.id))
+            grown = x.project;
+    });
+    if (!grown.isEmpty())
+        return refuse(u"Records were added to \u201C"_s + db.label(grown) +
+                      u"\u201D after the import, so the import can no longer be undone."_s);
     return true;
 }
 

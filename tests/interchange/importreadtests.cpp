@@ -52,6 +52,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("text");
         QTest::newRow("UTF-8") << QByteArray("Caf\xC3\xA9") << u"Café"_s;
         QTest::newRow("UTF-8 with a byte-order mark") << QByteArray("\xEF\xBB\xBFName") << u"Name"_s;
+        QTest::newRow("UTF-16, as Excel saves Unicode Text")
+            << QByteArray("\xFF\xFEN\0a\0m\0\xE9\0\t\0", 12) << u"Namé\t"_s;
         QTest::newRow("Windows-1252") << QByteArray("Caf\xE9 \x93"
                                                     "Ace\x94 \x96 \x80")
                                       << u"Café “Ace” – €"_s;

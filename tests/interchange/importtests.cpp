@@ -139,6 +139,59 @@ private Q_SLOTS:
         QCOMPARE(contacts.last().f.value(u"type"), u"Client / Owner"_s);
     }
 
+    void columns_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("header");
+        QTest::addColumn<QString>("key");
+        QTest::newRow("catalog label, other case and spacing")
+            << u"contact"_s << u"  e MAIL "_s << u"email"_s;
+        QTest::newRow("catalog key") << u"equipment"_s << u"unitNo"_s << u"unitNo"_s;
+        QTest::newRow("QuickBooks customer list") << u"contact"_s << u"Customer"_s << u"name"_s;
+        QTest::newRow("QuickBooks main phone") << u"contact"_s << u"Main Phone"_s << u"phone"_s;
+        QTest::newRow("QuickBooks bill-to line") << u"contact"_s << u"Bill to 3"_s << u"address"_s;
+        QTest::newRow("IIF address line") << u"contact"_s << u"BADDR5"_s << u"address"_s;
+        QTest::newRow("QuickBooks 1099 flag") << u"contact"_s << u"Eligible for 1099"_s << u"is1099"_s;
+        QTest::newRow("tax id has no field") << u"contact"_s << u"TAXID"_s << QString();
+        QTest::newRow("employee rate") << u"user"_s << u"Hourly Rate"_s << u"rate"_s;
+        QTest::newRow("cost code description") << u"cost_code"_s << u"Description"_s << u"name"_s;
+        QTest::newRow("open job billed") << u"open_job"_s << u"Billed to Date"_s << u"billed"_s;
+        QTest::newRow("open job line billed") << u"open_job"_s << u"Line billed to date"_s << u"lineBilled"_s;
+        QTest::newRow("unknown") << u"project"_s << u"Favourite colour"_s << QString();
+    }
+    // Columns are matched to fields by catalog label or key and by the names other programs give them.
+    void columns()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, header);
+        QFETCH(QString, key);
+        QCOMPARE(Import::matchColumn(kind, header), key);
+    }
+
+    // Work added to an imported job since keeps the import from being undone, which would take it too.
+    void undoRefusedAfterWorkOnAJob()
+    {
+        DB db;
+        db.createCompany(u"Fenton Builders"_s, u"Sam"_s, u"OR"_s);
+        const Import::Outcome out = Import::write(
+            db,
+            planOf(
+                db,
+                {{u"open jobs.csv"_s,
+                  u"Job number,Project name,Contract amount,Billed to date,Retainage held\n4,Barn,1000,500,50\n"_s}}),
+            false);
+        QVERIFY(out.ok);
+        const Rec project = db.list(u"project"_s).first();
+        QVERIFY(Import::canUndo(db, out.undo));
+        newPayApp(db, project);
+        QString why;
+        QVERIFY(!Import::undo(db, out.undo, &why));
+        QCOMPARE(
+            why,
+            u"Records were added to \u201CBarn\u201D after the import, so the import can no longer be undone."_s);
+        QCOMPARE(db.count(u"pay_app"_s, {.project = project.id}), 2);
+    }
+
     void badRow_data()
     {
         QTest::addColumn<QString>("file");
