@@ -5,6 +5,7 @@
 #include "interchange/backup.h"
 #include "interchange/csv.h"
 #include "interchange/importwrite.h"
+#include "interchange/qb.h"
 #include "store/db.h"
 #include "workflows/payappflow.h"
 
@@ -386,6 +387,25 @@ private Q_SLOTS:
         QCOMPARE(data.calc.g702.l5, retainage);
         QCOMPARE(data.calc.g702.l7, billed - retainage);
         QCOMPARE(data.calc.g702.l8, 0);
+
+        // The books had the earlier billing already: only the next application goes to QuickBooks,
+        // with the retainage of its own period.
+        QVERIFY(!QB::invoicesIIF(db).contains(u"INVOICE"_s));
+        const Calc::PayRow &first = data.calc.rows.first();
+        setPayLine(db, next, data.sov.first().id, first.line.scheduled - first.line.previous, std::nullopt);
+        Rec submitted = *db.get(next.id);
+        submitted.f.insert(u"status"_s, u"submitted"_s);
+        db.save(submitted);
+        const Calc::G702 g = payAppData(db, submitted).calc.g702;
+        const QString iif = QB::invoicesIIF(db);
+        QCOMPARE(iif.count(u"\nTRNS\t"_s), 1);
+        QStringList amounts; // of the lines, by account
+        for (const QString &line : iif.split(u'\n'))
+            if (line.startsWith(u"TRNS\t"_s) || line.startsWith(u"SPL\t"_s))
+                amounts << line.section(u'\t', 4, 4) + u'=' + line.section(u'\t', 6, 6);
+        QVERIFY2(amounts.contains(u"Accounts Receivable="_s + QB::amount(g.l8)), qPrintable(iif));
+        QVERIFY2(amounts.contains(u"Retainage Receivable="_s + QB::amount(g.l5 - retainage)),
+                 qPrintable(iif));
 
         // Brought in again: nothing changes, nothing doubles.
         const Import::Plan again = planOf(db, {{u"open jobs.csv"_s, csv}});
