@@ -135,10 +135,17 @@ void planOpenJobs(const DB &db, Names &names, qsizetype index, const Sheet &shee
                  {std::pair{u"retainagePct", u"Retainage %"}, {u"lastApp", u"Last pay app #"}})
                 if (!raw.value(QStringView(k)).isEmpty()) {
                     const FieldInput::Typed t = FieldInput::number(raw.value(QStringView(k)));
-                    if (t.ok())
-                        job.f.insert(QString::fromUtf16(k), t.stored);
-                    else
+                    // A percentage past 100 or an application number past any real count is a slip.
+                    const bool pct = QStringView(k) == u"retainagePct";
+                    const double v = t.ok() ? t.stored.toDouble() : 0;
+                    if (!t.ok())
                         problems.append(QString::fromUtf16(label) + u": "_s + t.error);
+                    else if (v < 0 || v > (pct ? 100 : 9999) || (!pct && v != std::floor(v)))
+                        problems.append(
+                            QString::fromUtf16(label) +
+                            (pct ? u": not between 0 and 100."_s : u": not a whole number up to 9999."_s));
+                    else
+                        job.f.insert(QString::fromUtf16(k), t.stored);
                 }
             if (!raw.value(u"through").isEmpty()) {
                 const FieldInput::Typed t = FieldInput::date(raw.value(u"through"));

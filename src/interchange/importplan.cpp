@@ -131,7 +131,7 @@ void planList(const DB &db, Names &names, qsizetype index, const Sheet &sheet, Q
             out.append(plan);
             continue;
         }
-        if (const int earlier = names.claim(kind, keys, row.line, sheet.table.file); earlier != 0) {
+        if (const int earlier = names.claim(kind, keys, row.line); earlier != 0) {
             plan.state = RowState::Bad;
             plan.error = sheet.table.file + u':' + QString::number(row.line) + u": \u201C"_s +
                          plan.title.trimmed() + u"\u201D is on line "_s + QString::number(earlier) +

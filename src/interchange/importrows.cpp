@@ -41,7 +41,7 @@ void Names::add(const QString &kind, const QStringList &keys, const QString &id)
             ids.insert(key, id);
 }
 
-int Names::claim(const QString &kind, const QStringList &keys, int line, const QString &file)
+int Names::claim(const QString &kind, const QStringList &keys, int line)
 {
     if (keys.isEmpty())
         return 0;
@@ -50,7 +50,6 @@ int Names::claim(const QString &kind, const QStringList &keys, int line, const Q
     if (const auto it = claimed.constFind(key); it != claimed.cend())
         return *it;
     claimed.insert(key, line);
-    Q_UNUSED(file)
     return 0;
 }
 

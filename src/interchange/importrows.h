@@ -22,7 +22,7 @@ public:
     void add(const QString &kind, const QStringList &keys, const QString &id);
     // Marks the row's first key as taken by this import; the line that took it
     // before (in any file), or 0 when none did.
-    int claim(const QString &kind, const QStringList &keys, int line, const QString &file);
+    int claim(const QString &kind, const QStringList &keys, int line);
     // Ids the files of the export in this import carry, so references between them hold.
     QSet<QString> importIds;
 

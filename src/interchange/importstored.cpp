@@ -5,6 +5,10 @@
 #include "importrows.h"
 #include "store/db.h"
 
+#include <QtCore/QRegularExpression>
+
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 namespace Import {
@@ -22,7 +26,7 @@ FieldInput::Typed storedValue(const DB &db, const Names &names, const FD &fd, co
         return {text, QString()};
     case FT::number:
     case FT::percent:
-        if (!RecText::parseDouble(text))
+        if (const std::optional<double> n = RecText::parseDouble(text); !n || !std::isfinite(*n))
             return {QString(), u"Not a number."_s};
         return {text, QString()};
     case FT::date: return FieldInput::date(text);
@@ -102,7 +106,14 @@ void planStored(const DB &db, Names &names, qsizetype index, const Sheet &sheet,
                     if (f.key == key)
                         fd = &f;
             if (!fd) {
-                rec.f.insert(key, value);
+                // Whole numbers the program reads (order, amounts of lines) must fit, or reading them stops
+                // it.
+                static const QRegularExpression whole(u"^-?[0-9]+$"_s);
+                if ((key == u"sort" || whole.match(value).hasMatch()) && !RecText::parseInt(value))
+                    problems.append(key + u": \u201C"_s + value +
+                                    u"\u201D is not a whole number that fits."_s);
+                else
+                    rec.f.insert(key, value);
                 continue;
             }
             const FieldInput::Typed t = storedValue(db, names, *fd, value);

@@ -104,8 +104,11 @@ int columnOf(QStringView ref)
 {
     int col = 0;
     qsizetype k = 0;
-    for (; k < ref.size() && ref.at(k).isLetter(); ++k)
+    for (; k < ref.size() && ref.at(k).toUpper() >= u'A' && ref.at(k).toUpper() <= u'Z'; ++k) {
         col = col * 26 + (ref.at(k).toUpper().unicode() - u'A' + 1);
+        if (col > 16384) // past the last column a sheet may have
+            return -1;
+    }
     return k == 0 || col > 16384 ? -1 : col - 1;
 }
 

@@ -346,6 +346,41 @@ private Q_SLOTS:
         QCOMPARE(punch.last().f.value(u"assignee"), ace.id);
     }
 
+    void storedBad_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("amount as typed, not cents")
+            << u"project.csv"_s << u"id,project,parent,contract,name\n,,,\"1,250.00\",Barn\n"_s
+            << u"project.csv:2: Original contract: \u201C1,250.00\u201D is not whole cents, as the export "
+               u"writes "
+               u"amounts."_s;
+        QTest::newRow("order that is not a number")
+            << u"punch.csv"_s << u"id,project,parent,sort,title\n,,,first,Paint\n"_s
+            << u"punch.csv:2: sort: \u201Cfirst\u201D is not a whole number that fits."_s;
+        QTest::newRow("amount past 64 bits")
+            << u"sov_line.csv"_s << u"id,project,parent,scheduled\n,,,99999999999999999999\n"_s
+            << u"sov_line.csv:2: scheduled: \u201C99999999999999999999\u201D is not "
+               u"a whole number that fits."_s;
+        QTest::newRow("reference to nothing") << u"punch.csv"_s << u"id,project,parent,assignee\n,,,NOPE\n"_s
+                                              << u"punch.csv:2: Assigned to: No record has the id NOPE."_s;
+        QTest::newRow("project by a name unknown")
+            << u"punch.csv"_s << u"id,project,parent,title\n,Nowhere,,Paint\n"_s
+            << u"punch.csv:2: project: no project named \u201CNowhere\u201D."_s;
+    }
+    // Files of the export are read as stored; what the program could not read back is refused.
+    void storedBad()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, text);
+        QFETCH(QString, error);
+        DB db;
+        db.createCompany(u"Fenton Builders"_s, u"Sam"_s, u"OR"_s);
+        const Import::Plan plan = planOf(db, {{file, text}});
+        QCOMPARE(plan.errors(), QStringList{error});
+    }
+
     void openJob_data()
     {
         QTest::addColumn<QString>("csv");
@@ -433,6 +468,13 @@ private Q_SLOTS:
         QTest::newRow("bad amount")
             << head + u"5,Barn,1000,5OO,0,,,\n"_s
             << u"open jobs.csv:2: Billed to date: Not a valid amount. Use a form like 1,234.56 or (5.00)."_s;
+        QTest::newRow("retainage percentage past 100")
+            << u"Job number,Project name,Contract amount,Billed to date,Retainage held,Retainage %\n"
+               u"5,Barn,1000,500,50,1e300\n"_s
+            << u"open jobs.csv:2: Retainage %: not between 0 and 100."_s;
+        QTest::newRow("application number in pieces")
+            << u"Job number,Project name,Contract amount,Billed to date,Last pay app #\n5,Barn,1000,500,2.5\n"_s
+            << u"open jobs.csv:2: Last pay app #: not a whole number up to 9999."_s;
         QTest::newRow("lines only")
             << head + u"5,,,,,1,900,500\n"_s
             << u"open jobs.csv:2: Job number: lines of a job with no row of its own."_s;
