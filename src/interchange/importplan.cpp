@@ -291,9 +291,15 @@ QList<std::pair<QString, QString>> Plan::badRowFiles() const
                     cells.append(QString());
                 table.append(cells + QStringList{bad.value(row.line)});
             }
-        const QString base = sheet.table.section.isEmpty() ? QFileInfo(sheet.table.file).completeBaseName()
-                                                           : QFileInfo(sheet.table.file).completeBaseName() +
-                                                                 u' ' + sheet.table.section;
+        // A section of an IIF file comes back named for its list, so it imports into the same one.
+        static const QHash<QString, QString> lists{{u"CUST"_s, u"customers"_s},
+                                                   {u"VEND"_s, u"vendors"_s},
+                                                   {u"EMP"_s, u"employees"_s},
+                                                   {u"OTHERNAME"_s, u"other contacts"_s},
+                                                   {u"INVITEM"_s, u"items"_s}};
+        QString base = QFileInfo(sheet.table.file).completeBaseName();
+        if (!sheet.table.section.isEmpty())
+            base += u' ' + lists.value(sheet.table.section, sheet.table.section);
         out.append({base + u" - rows to fix.csv"_s, CSV::text(table)});
     }
     return out;

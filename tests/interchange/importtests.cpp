@@ -256,6 +256,29 @@ private Q_SLOTS:
                  u"Name,Phone,Problem\r\nBee,12,Phone: \u201C12\u201D is not a phone number.\r\n"_s);
     }
 
+    // The bad rows of an IIF list come back as a CSV that imports into the same list once fixed.
+    void badRowsOfIIFComeBackAsTheirList()
+    {
+        DB db;
+        db.createCompany(u"Fenton Builders"_s, u"Sam"_s, u"OR"_s);
+        const QString iif = u"!CUST\tNAME\tPHONE1\tBADDR1\r\nCUST\tAce Homes\t503-555-0100\t1 Elm\r\n"
+                            u"CUST\tBay Homes\t12\t2 Oak\r\n"_s;
+        const Import::Plan plan = planOf(db, {{u"lists.iif"_s, iif}});
+        QCOMPARE(plan.errors(), QStringList{u"lists.iif:3: Phone: \u201C12\u201D is not a phone number."_s});
+        const auto files = plan.badRowFiles();
+        QCOMPARE(files.size(), 1);
+        QCOMPARE(files.first().first, u"lists customers - rows to fix.csv"_s);
+        QString fixed = files.first().second;
+        fixed.replace(u",12,"_s, u",503-555-0101,"_s);
+        const Import::Plan again = planOf(db, {{files.first().first, fixed}});
+        QCOMPARE(again.errors(), QStringList());
+        QVERIFY(Import::write(db, again, false).ok);
+        const QList<Rec> contacts = db.list(u"contact"_s);
+        QCOMPARE(contacts.size(), 1);
+        QCOMPARE(contacts.first().f.value(u"type"), u"Client / Owner"_s);
+        QCOMPARE(contacts.first().f.value(u"address"), u"2 Oak"_s);
+    }
+
     // Undo takes the whole import back, unless something it wrote changed since.
     void undo()
     {
