@@ -8,6 +8,7 @@
 #endif
 #include "flowbench.h"
 #include "generator.h"
+#include "importbench.h"
 #include "interbench.h"
 #include "serverbench.h"
 
@@ -228,6 +229,7 @@ void runFigures(const QString &path, int runs)
     runCalcBench(db, runs, out());
     runFlowBench(db, runs, out());
     runInterchangeBench(db, path, runs, out());
+    runImportBench(runs, out());
 #ifdef TRESTLE_DOCBENCH
     runDocBench(db, runs, out());
     runWipBench(db, runs, out());
@@ -259,10 +261,12 @@ int main(int argc, char *argv[])
     const QCommandLineOption seatsOpt(u"seats"_s, u"Seats saving at once on the server."_s, u"N"_s, u"25"_s);
     const QCommandLineOption secondsOpt(u"seconds"_s, u"How long the seats save."_s, u"S"_s, u"60"_s);
     const QCommandLineOption serverOnlyOpt(u"server-only"_s, u"Measure only the company server."_s);
+    const QCommandLineOption importOnlyOpt(
+        u"import-only"_s, u"Measure only the import of lists (no reference store needed)."_s);
     rssOpt.setFlags(QCommandLineOption::HiddenFromHelp);
     baseOpt.setFlags(QCommandLineOption::HiddenFromHelp);
-    parser.addOptions(
-        {folderOpt, reuseOpt, runsOpt, rssOpt, baseOpt, serverOpt, seatsOpt, secondsOpt, serverOnlyOpt});
+    parser.addOptions({folderOpt, reuseOpt, runsOpt, rssOpt, baseOpt, serverOpt, seatsOpt, secondsOpt,
+                       serverOnlyOpt, importOnlyOpt});
     parser.process(app);
 
     const QString folder =
@@ -286,6 +290,10 @@ int main(int argc, char *argv[])
         return 2;
     }
 
+    if (parser.isSet(importOnlyOpt)) {
+        runImportBench(runs, out());
+        return 0;
+    }
     const QString path = QDir(folder).filePath(u"trestle.sqlite"_s);
     if (!parser.isSet(reuseOpt) || !QFileInfo::exists(path)) {
         removeStore(folder);

@@ -6,6 +6,7 @@
 #include "money.h"
 #include "store/db.h"
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -57,6 +58,33 @@ std::optional<QString> match(const Options &options, const QString &typed, bool 
         found = value;
     }
     return found;
+}
+
+// Month first, as US spreadsheets write a day: 1/5/2026, 01/05/26. A two-digit
+// year is read the way spreadsheets read it: 00–29 in this century, the rest in the last.
+std::optional<QDate> usDate(const QString &text)
+{
+    const QStringList parts = text.split(u'/');
+    if (parts.size() != 3)
+        return std::nullopt;
+    int n[3] = {0, 0, 0};
+    for (int k = 0; k < 3; ++k) {
+        const QString &part = parts.at(k);
+        const qsizetype most = k == 2 ? 4 : 2;
+        if (part.isEmpty() || part.size() > most ||
+            !std::all_of(part.begin(), part.end(), [](QChar c) { return c >= u'0' && c <= u'9'; }))
+            return std::nullopt;
+        n[k] = part.toInt();
+    }
+    int year = n[2];
+    if (parts.at(2).size() == 2)
+        year += year < 30 ? 2000 : 1900;
+    else if (parts.at(2).size() != 4)
+        return std::nullopt;
+    const QDate day(year, n[0], n[1]);
+    if (!day.isValid())
+        return std::nullopt;
+    return day;
 }
 
 QString unclearText(const QString &typed)
@@ -146,6 +174,8 @@ Typed date(QStringView typed)
         if (shown.isValid())
             day = shown;
     }
+    if (!day)
+        day = usDate(text);
     if (!day)
         return refused(u"Not a date. Use a form like 2026-11-15 or Nov 15, 2026."_s);
     return accepted(DateFmt::iso(*day));

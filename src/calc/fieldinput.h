@@ -36,7 +36,8 @@ Typed money(QStringView typed);
 // A typed number or percentage: grouping commas, a percent sign and blanks
 // around are dropped; empty clears; anything but a finite number is refused.
 Typed number(QStringView typed);
-// A typed day: "2026-11-15" or as the editor shows it, "Nov 15, 2026"; empty clears.
+// A typed day: "2026-11-15", as the editor shows it, "Nov 15, 2026", or month
+// first as US spreadsheets write it, "1/5/2026" or "01/05/26"; empty clears.
 Typed date(QStringView typed);
 // A typed switch: yes/no, true/false, on/off or 1/0, stored as "1" or "0".
 Typed boolean(QStringView typed);

@@ -98,6 +98,9 @@ QString invoicesIIF(const DB &db, const std::optional<QString> &project)
         const QString status = app.f.value(u"status");
         if (status != u"submitted" && status != u"approved" && status != u"paid")
             continue;
+        // An opening balance brought in with an open job was invoiced in the books already.
+        if (app.f.value(u"opening") == u"1")
+            continue;
         const Calc::G702 cur = figuresOf(app).value(app.id).calc.g702;
         // Only the application numbered one less counts: a gap means nothing held before.
         qint64 prevRet = 0;

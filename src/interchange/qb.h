@@ -17,7 +17,7 @@ QString d(const QString &text);
 // Amount text of cents for the files ("1234.56", "-0.05"), exact to the cent.
 QString amount(qint64 cents);
 // Invoices (not Draft or Void) then pay applications (submitted, approved,
-// paid), each transaction balancing to zero.
+// paid; not the opening balance of an imported job), each transaction balancing to zero.
 QString invoicesIIF(const DB &db, const std::optional<QString> &project = std::nullopt);
 // Every expense as a bill to "Job Expenses:<cost code>".
 QString billsIIF(const DB &db, const std::optional<QString> &project = std::nullopt);

@@ -13,6 +13,8 @@ namespace TLHelp {
 QList<HelpPage> pages();
 // The hand-written pages alone, in order.
 QList<HelpPage> guidePages();
+// The page on importing lists, spreadsheets and open jobs.
+HelpPage importPage();
 // The generated page of module `m`.
 HelpPage page(const ModuleDef &m);
 // A sentence on how field `fd` is filled in.

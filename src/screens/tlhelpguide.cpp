@@ -260,7 +260,7 @@ HelpPage safety()
 
 QList<HelpPage> guidePages()
 {
-    return {quickstart(), keys(), companies(), printing(), backup(), safety()};
+    return {quickstart(), keys(), companies(), printing(), backup(), importPage(), safety()};
 }
 
 } // namespace TLHelp

@@ -2,6 +2,7 @@
 
 #include "connectdialog.h"
 #include "fileactions.h"
+#include "importdialog.h"
 #include "nav.h"
 #include "printcenter.h"
 #include "printsetup.h"
@@ -40,23 +41,32 @@ void fileMenu(TLWindow *w, DB &db, Nav &nav)
                      [w] { ServerActions::disconnectFromServer(w); });
     else
         m->addAction(u"Connect to Company Server…"_s, w, [w] { ServerActions::connectToServer(w); });
-    m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
-    m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
-    // A store that did not open takes nothing new; only the ways back stay.
-    if (!db.isOpen())
-        for (QAction *a : m->actions())
-            if (!a->isSeparator() && !a->text().startsWith(u"Restore From "_s))
-                a->setEnabled(false);
-    m->addSeparator();
-    m->addAction(u"Page Setup…"_s, QKeySequence(u"Ctrl+Shift+P"_s), w, [w] { PrintSetup::pageSetup(w); });
-    QAction *print =
-        m->addAction(u"Print…"_s, QKeySequence(u"Ctrl+P"_s), w, [w] { PrintCenter::shared().print(w); });
-    print->setObjectName(u"print"_s);
-    print->setEnabled(PrintCenter::shared().hasJob());
-    QObject::connect(&PrintCenter::shared(), &PrintCenter::hasJobChanged, print, &QAction::setEnabled);
-    m->addSeparator();
-    m->addAction(u"Quit"_s, QKeySequence::Quit, w, &QWidget::close);
+    m->addAction(u"Import…"_s, w, [w, &db] { ImportDialog::chooseAndRun(w, db, false); });
+    QMenu *import = m->addMenu(u"Import"_s);
+    import->addAction(u"CSV Export Folder…"_s, w, [w, &db] { ImportDialog::chooseAndRun(w, db, true);
+});
+    import->addAction(u"Save Open-Jobs Template…"_s, w, [w] { ImportDialog::saveTemplate(w);
+    } // namespace
+);
+m->addAction(u"Export Company as CSV Folder…"_s, w, [w, &db] { FileActions::exportCSV(w, db); });
+m->addAction(u"Set Company Logo for Printouts…"_s, w, [w, &db] { FileActions::chooseLogo(w, db); });
+// A store that did not open takes nothing new; only the ways back stay.
+if (!db.isOpen()) {
+    import->setEnabled(false);
+    for (QAction *a : m->actions())
+        if (!a->isSeparator() && !a->text().startsWith(u"Restore From "_s))
+            a->setEnabled(false);
 }
+m->addSeparator();
+m->addAction(u"Page Setup…"_s, QKeySequence(u"Ctrl+Shift+P"_s), w, [w] { PrintSetup::pageSetup(w); });
+QAction *print =
+    m->addAction(u"Print…"_s, QKeySequence(u"Ctrl+P"_s), w, [w] { PrintCenter::shared().print(w); });
+print->setObjectName(u"print"_s);
+print->setEnabled(PrintCenter::shared().hasJob());
+QObject::connect(&PrintCenter::shared(), &PrintCenter::hasJobChanged, print, &QAction::setEnabled);
+m->addSeparator();
+m->addAction(u"Quit"_s, QKeySequence::Quit, w, &QWidget::close);
+} // namespace Menus
 
 void goMenu(TLWindow *w, DB &db, Nav &nav)
 {
@@ -106,6 +116,17 @@ void viewMenu(TLWindow *w)
     });
 }
 
+// Edit ▸ Undo Import, offered while the last import can still be taken back as a whole.
+void editMenu(TLWindow *w, DB &db)
+{
+    QMenu *m = w->menuBar()->addMenu(u"&Edit"_s);
+    QAction *undo = m->addAction(u"Undo Import"_s, w, [w, &db] { ImportDialog::undoLast(w, db); });
+    undo->setObjectName(u"undoImport"_s);
+    const auto update = [undo, &db] { undo->setEnabled(Import::canUndo(db, ImportDialog::lastImport())); };
+    update();
+    QObject::connect(m, &QMenu::aboutToShow, undo, update);
+}
+
 void helpMenu(TLWindow *w, Nav &nav)
 {
     QMenu *m = w->menuBar()->addMenu(u"&Help"_s);
@@ -136,6 +157,7 @@ std::function<void(QWidget *)> &aboutHook()
 void build(TLWindow *window, DB &db, Nav &nav)
 {
     fileMenu(window, db, nav);
+    editMenu(window, db);
     goMenu(window, db, nav);
     viewMenu(window);
     helpMenu(window, nav);

@@ -1,6 +1,7 @@
 #include "tlwindow.h"
 
 #include "focuscycle.h"
+#include "importdialog.h"
 #include "menus.h"
 #include "tlmain.h"
 
@@ -9,7 +10,9 @@
 #include "store/db.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QMimeData>
 #include <QtCore/QSettings>
+#include <QtCore/QTimer>
 #include <QtGui/QCloseEvent>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QMessageBox>
@@ -31,9 +34,26 @@ TLWindow::TLWindow(DB &db, Nav &nav, QWidget *parent)
     setCentralWidget(m_main);
     Menus::build(this, db, nav);
     FocusCycle::install(this, m_main);
+    setAcceptDrops(true);
     const QByteArray geometry = QSettings(u"Fenwright"_s, u"Trestle"_s).value(geometryKey).toByteArray();
     if (geometry.isEmpty() || !restoreGeometry(geometry))
         resize(1500, 940);
+}
+
+void TLWindow::dragEnterEvent(QDragEnterEvent *e)
+{
+    if (m_db.isOpen() && !ImportDialog::droppedPath(e->mimeData()).isEmpty())
+        e->acceptProposedAction();
+}
+
+void TLWindow::dropEvent(QDropEvent *e)
+{
+    const QString path = ImportDialog::droppedPath(e->mimeData());
+    if (path.isEmpty())
+        return;
+    e->acceptProposedAction();
+    // After the drop returns, so the file manager is not kept waiting by the dialog.
+    QTimer::singleShot(0, this, [this, path] { ImportDialog::run(this, m_db, path); });
 }
 
 TLWindow::AskUnsaved &TLWindow::askUnsavedHook()

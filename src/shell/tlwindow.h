@@ -31,6 +31,9 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *e) override;
+    // A list file or folder dropped on the window opens the import preview.
+    void dragEnterEvent(QDragEnterEvent *e) override;
+    void dropEvent(QDropEvent *e) override;
 
 private:
     // True when nothing waits any more, or the waiting changes went to a file the user chose.

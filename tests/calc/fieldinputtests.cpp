@@ -109,6 +109,14 @@ private Q_SLOTS:
         QTest::newRow("no such day") << u"2026-02-30"_s << QString() << kNotADate;
         QTest::newRow("day first") << u"15/11/2026"_s << QString() << kNotADate;
         QTest::newRow("short year") << u"26-11-15"_s << QString() << kNotADate;
+        QTest::newRow("US month first") << u"1/5/2026"_s << u"2026-01-05"_s << QString();
+        QTest::newRow("US padded, two-digit year") << u"01/05/26"_s << u"2026-01-05"_s << QString();
+        QTest::newRow("US two-digit year of the last century")
+            << u"12/31/99"_s << u"1999-12-31"_s << QString();
+        QTest::newRow("US no such day") << u"2/30/2026"_s << QString() << kNotADate;
+        QTest::newRow("US three-digit year") << u"1/5/202"_s << QString() << kNotADate;
+        QTest::newRow("US missing part") << u"1//2026"_s << QString() << kNotADate;
+        QTest::newRow("US letters") << u"1/a/2026"_s << QString() << kNotADate;
     }
     void date()
     {

@@ -39,7 +39,7 @@ while IFS='|' read -r line expected; do
         fail=1
     fi
 done <<'CASES'
-trestle |backup connect disconnect docx explain export-csv export-qb get history info log pdf proposal recover report restore sample server set snapshot snapshots
+trestle |backup connect disconnect docx explain export-csv export-qb get history import info log pdf proposal recover report restore sample server set snapshot snapshots
 trestle history |
 trestle s|sample server set snapshot snapshots
 trestle server |add-login init push
@@ -57,6 +57,11 @@ trestle report wip --project |
 trestle restore |nightly.zip out.d
 trestle restore nightly.zip --|--yes
 trestle rec|recover
+trestle imp|import
+trestle import --|--dry-run --new-company --skip-bad-rows --template
+trestle import --template |open-jobs
+trestle import |notes.txt out.d sheet.csv
+trestle import sheet.csv --new-company |
 trestle recover |out.d unsaved.json
 trestle recover unsaved.json |
 trestle backup |nightly.zip out.d

@@ -155,12 +155,12 @@ private Q_SLOTS:
             QVERIFY(p.blocks.last().body.startsWith(u"This list follows the PROJECT menu"_s));
     }
 
-    // The six written pages, then every module in table order; extras for exactly the seventeen.
+    // The seven written pages, then every module in table order; extras for exactly the seventeen.
     void pageList()
     {
         const QList<HelpPage> pages = TLHelp::pages();
-        QStringList expected{u"quickstart"_s, u"keys"_s,   u"companies"_s,
-                             u"printing"_s,   u"backup"_s, u"safety"_s};
+        QStringList expected{u"quickstart"_s, u"keys"_s,      u"companies"_s, u"printing"_s,
+                             u"backup"_s,     u"importing"_s, u"safety"_s};
         for (const ModuleDef &m : Modules::all())
             expected << m.id;
         QCOMPARE(ids(pages), expected);
