@@ -129,10 +129,13 @@ void MarkupView::write()
         return;
     }
     // The write holds the sheet, so its marks outlive this view until they are on disk.
-    FileWrites::shared().failed(m_file, writeCause(m_file), [pdf = m_pdf, path = m_file] {
-        // A sheet deleted meanwhile has nothing left to keep.
-        return !QFileInfo::exists(path) || pdf->save();
-    });
+    FileWrites::shared().failed(
+        m_file, writeCause(m_file),
+        [pdf = m_pdf, path = m_file] {
+            // A sheet deleted meanwhile has nothing left to keep.
+            return !QFileInfo::exists(path) || pdf->save();
+        },
+        [pdf = m_pdf](const QString &to) { return pdf->saveAs(to); });
 }
 
 bool MarkupView::isValid() const

@@ -1,6 +1,10 @@
 #include "filewrites.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTimer>
+
+using namespace Qt::StringLiterals;
 
 FileWrites::FileWrites(QObject *parent)
     : QObject(parent)
@@ -17,11 +21,12 @@ FileWrites &FileWrites::shared()
     return writes;
 }
 
-void FileWrites::failed(const QString &path, const QString &cause, std::function<bool()> write)
+void FileWrites::failed(const QString &path, const QString &cause, std::function<bool()> write,
+                        std::function<bool(const QString &to)> copy)
 {
     if (!m_writes.contains(path))
         m_order.append(path);
-    m_writes.insert(path, {cause, std::move(write)});
+    m_writes.insert(path, {cause, std::move(write), std::move(copy)});
     m_timer->start();
     Q_EMIT changed();
 }
@@ -64,4 +69,34 @@ bool FileWrites::retry()
     if (any)
         Q_EMIT changed();
     return m_order.isEmpty();
+}
+
+QString FileWrites::copyPath(const QString &file, const QString &path)
+{
+    const QFileInfo beside(file);
+    return beside.dir().filePath(beside.completeBaseName() + u" - "_s + QFileInfo(path).fileName());
+}
+
+bool FileWrites::saveCopiesBeside(const QString &file, QString *error)
+{
+    bool any = false;
+    bool ok = true;
+    const QStringList order = m_order;
+    for (const QString &path : order) {
+        const QString to = copyPath(file, path);
+        if (!m_writes.value(path).copy(to)) {
+            if (error)
+                *error = u"could not write "_s + QDir::toNativeSeparators(to);
+            ok = false;
+            break;
+        }
+        m_writes.remove(path);
+        m_order.removeOne(path);
+        any = true;
+    }
+    if (m_order.isEmpty())
+        m_timer->stop();
+    if (any)
+        Q_EMIT changed();
+    return ok;
 }

@@ -19,8 +19,10 @@ public:
     static FileWrites &shared();
 
     // The write of `path` failed for `cause` (plain words); `write` tries it
-    // again and says whether it went through. Replaces an earlier one for `path`.
-    void failed(const QString &path, const QString &cause, std::function<bool()> write);
+    // again and `copy` writes the file elsewhere, each saying whether it went
+    // through. Replaces an earlier one for `path`.
+    void failed(const QString &path, const QString &cause, std::function<bool()> write,
+                std::function<bool(const QString &to)> copy);
     // `path` was written by its owner: nothing waits for it any more.
     void written(const QString &path);
     bool isWaiting(const QString &path) const { return m_writes.contains(path); }
@@ -29,6 +31,12 @@ public:
     QString cause() const;
     // Writes every waiting file now; true when none waits any more.
     bool retry();
+    // Writes every waiting file beside `file` instead, named after it and the
+    // file's own name ("rescue - A-101.pdf"), and stops waiting for it; false with
+    // the reason in `error` for the first that cannot be written.
+    bool saveCopiesBeside(const QString &file, QString *error = nullptr);
+    // Where saveCopiesBeside puts the copy of `path`.
+    static QString copyPath(const QString &file, const QString &path);
 
 Q_SIGNALS:
     // The number of waiting files or their cause changed.
@@ -39,6 +47,7 @@ private:
     {
         QString cause;
         std::function<bool()> write;
+        std::function<bool(const QString &)> copy;
     };
     QHash<QString, Write> m_writes;
     QStringList m_order;

@@ -5,11 +5,14 @@
 
 #include "documents/pdfmarks.h"
 #include "screens/markupview.h"
+#include "shell/nav.h"
 #include "shell/savebanner.h"
+#include "shell/tlwindow.h"
 #include "store/db.h"
 #include "store/filewrites.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -159,6 +162,44 @@ private Q_SLOTS:
         QVERIFY(banner.isHidden());
         QCOMPARE(PdfMarkup(m_sheet).marks(0).size(), 0);
         QCOMPARE(FileWrites::shared().count(), 0);
+    }
+
+    // Closing the window with a mark still waiting asks like any unsaved change;
+    // saving to a file puts a copy of the sheet, marks and all, beside it.
+    void closeKeepsTheSheetBesideTheRescueFile()
+    {
+        QTemporaryDir rescueDir;
+        QVERIFY(QFile::setPermissions(rescueDir.path(), QFile::ReadOwner | QFile::WriteOwner |
+                                                            QFile::ExeOwner | QFile::ReadOther |
+                                                            QFile::WriteOther | QFile::ExeOther));
+        const QString rescue = rescueDir.filePath(u"rescue.json"_s);
+        DB db;
+        Nav nav;
+        qsizetype asked = 0;
+        QString cause;
+        TLWindow::askUnsavedHook() = [&](QWidget *, qsizetype count, const QString &why) {
+            asked = count;
+            cause = why;
+            return TLWindow::UnsavedAnswer{TLWindow::UnsavedAnswer::SaveToFile, rescue};
+        };
+        {
+            TLWindow window(db, nav);
+            window.show();
+            MarkupView view(m_sheet, &window);
+            view.resize(900, 700);
+            view.show();
+            AsUnprivileged nobody;
+            drawBox(view, {100, 100}, {300, 200});
+            QVERIFY(window.close());
+        }
+        TLWindow::askUnsavedHook() = {};
+        QCOMPARE(asked, 1);
+        QCOMPARE(cause, u"the plan sheet's file is read-only"_s);
+        QCOMPARE(FileWrites::shared().count(), 0);
+        QCOMPARE(PdfMarkup(m_sheet).marks(0).size(), 0);
+        const QString copy = FileWrites::copyPath(rescue, m_sheet);
+        QCOMPARE(QFileInfo(copy).fileName(), u"rescue - A-101.pdf"_s);
+        QCOMPARE(PdfMarkup(copy).marks(0).size(), 1);
     }
 };
 
