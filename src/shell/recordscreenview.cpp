@@ -88,7 +88,8 @@ void RecordListView::fitColumns()
     QHeaderView *h = header();
     h->setStretchLastSection(false);
     h->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    const QFontMetrics head(h->font());
+    // The header's own metrics, as its painting elides with them.
+    const QFontMetrics head = h->fontMetrics();
     const int headGaps = FWUI::shared().px(8) + FWUI::shared().px(4);
     m_natural.clear();
     m_rigid.clear();
@@ -100,8 +101,10 @@ void RecordListView::fitColumns()
                            fd->type.kind == FT::money || fd->type.kind == FT::number ||
                            fd->type.kind == FT::percent || fd->type.kind == FT::date ||
                            fd->type.kind == FT::time;
-        int width =
-            head.horizontalAdvance(m->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString()) + headGaps;
+        const QString heading = m->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString();
+        // The advance leaves out the headings' letter spacing, which their eliding counts.
+        int width = head.horizontalAdvance(heading) +
+                    int(std::ceil(h->font().letterSpacing() * heading.size())) + headGaps;
         for (int r = 0; r < m->rowCount(); ++r)
             width = std::max(width, RecordCellDelegate::wholeWidth(m->index(r, c)));
         m_natural.append(width);

@@ -130,6 +130,15 @@ private Q_SLOTS:
             }
         }
         QVERIFY2(checked >= 3, qPrintable(QString::number(checked)));
+        // Their headings read whole too, as the header draws them.
+        const int gaps = FWUI::shared().px(8) + FWUI::shared().px(4);
+        for (int c = 0; c < model->columns().size(); ++c) {
+            if (model->columns().at(c).type.kind != FT::money)
+                continue;
+            const QString head = model->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString();
+            const QFontMetrics fm = list->header()->fontMetrics();
+            QCOMPARE(fm.elidedText(head, Qt::ElideRight, list->header()->sectionSize(c) - gaps), head);
+        }
         // The columns fill the list and go no further unless it scrolls sideways.
         int total = 0;
         for (int c = 0; c < model->columnCount(); ++c)
