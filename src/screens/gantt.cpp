@@ -86,8 +86,36 @@ void GanttCanvas::setSchedule(const QList<Rec> &tasks, const QHash<QString, Date
 QSize GanttCanvas::sizeHint() const
 {
     const FWUI &ui = FWUI::shared();
-    return {int(std::ceil(ui.s(GanttSize::kDay) * m_range.days)),
+    // Wide enough for the name after the last bar as well as for the days.
+    qreal width = ui.s(GanttSize::kDay) * m_range.days;
+    for (int r = 0; r < m_bars.size(); ++r)
+        if (const QRectF label = labelRect(r); !label.isEmpty())
+            width = std::max(width, label.right() + ui.s(6));
+    return {int(std::ceil(width)),
             int(std::ceil(ui.s(GanttSize::kHeader) + ui.s(GanttSize::kRow) * m_bars.size()))};
+}
+
+bool GanttCanvas::labelOnBar(int row) const
+{
+    const QRectF bar = barRect(row);
+    if (bar.isEmpty())
+        return false;
+    const FWUI &ui = FWUI::shared();
+    const QFontMetricsF fm(ui.font(GanttSize::kLabel));
+    return fm.horizontalAdvance(m_bars[row].name.text()) + 2 * ui.s(6) <= bar.width();
+}
+
+QRectF GanttCanvas::labelRect(int row) const
+{
+    const QRectF bar = barRect(row);
+    if (bar.isEmpty())
+        return {};
+    const FWUI &ui = FWUI::shared();
+    const QFontMetricsF fm(ui.font(GanttSize::kLabel));
+    const qreal width = fm.horizontalAdvance(m_bars[row].name.text());
+    const QRectF at(0, bar.center().y() - fm.height() / 2, width, fm.height());
+    // Past the bar, clear of the stub of an arrow leaving its end.
+    return at.translated(labelOnBar(row) ? bar.left() + ui.s(6) : bar.right() + ui.s(10), 0);
 }
 
 QRectF GanttCanvas::barRect(int row) const
@@ -149,7 +177,7 @@ void GanttCanvas::paintEvent(QPaintEvent *e)
     outline.setAlphaF(0.5f);
     for (int r = firstRow; r <= lastRow; ++r) {
         const QRectF bar = barRect(r);
-        if (bar.isEmpty() || !bar.intersects(dirty))
+        if (bar.isEmpty() || !bar.united(labelRect(r)).intersects(dirty))
             continue;
         const qreal radius = bar.height() / 2;
         QLinearGradient metal(bar.topLeft(), bar.bottomLeft());
@@ -171,8 +199,9 @@ void GanttCanvas::paintEvent(QPaintEvent *e)
         p.setBrush(Qt::NoBrush);
         p.setPen(QPen(outline, 1));
         p.drawRoundedRect(bar, radius, radius);
-        p.setPen(Qt::black);
-        p.drawStaticText(QPointF(bar.left() + ui.s(6), bar.center().y() - fm.height() / 2), m_bars[r].name);
+        // On the bar, dark ink on the metal; past it, the finish's text on the chart's ground.
+        p.setPen(labelOnBar(r) ? QColor(Qt::black) : theme.text);
+        p.drawStaticText(labelRect(r).topLeft(), m_bars[r].name);
     }
 
     QColor line = theme.text;

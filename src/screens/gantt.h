@@ -50,6 +50,11 @@ public:
 
     // The bar of row `row` in canvas pixels at the current zoom; empty when it has no dates.
     QRectF barRect(int row) const;
+    // Where row `row`'s name is drawn, whole: on its bar when it fits there, else just after
+    // it. Empty for a row without dates.
+    QRectF labelRect(int row) const;
+    // Whether the name of row `row` fits on its bar.
+    bool labelOnBar(int row) const;
 
 protected:
     void paintEvent(QPaintEvent *e) override;

@@ -33,6 +33,10 @@ namespace {
 
 // Column widths of the task rows in points before zoom.
 constexpr qreal kNameW = 190, kStartW = 150, kDaysW = 50, kAfterW = 90, kProgressW = 46, kRemoveW = 24;
+// The After column grows with its longest list up to this; beyond, the list is cut and whole in the tip.
+constexpr qreal kAfterMaxW = 320;
+// A chrome button's padding on each side, in points before zoom.
+constexpr qreal kButtonPad = 12;
 constexpr qreal kGap = 6, kPad = 8;
 
 QStringList predIDs(const Rec &task)
@@ -45,12 +49,26 @@ QList<Rec> tasksOf(const DB &db, const QString &project)
     return db.list(u"task"_s, RecFilter{.project = project});
 }
 
-// The After face cut to its button, the whole list in the tip.
-void showAfter(FWChromeButton *button, const QString &text)
+// The After column's width: the longest list whole, within its bounds.
+int afterWidth(const QStringList &texts)
 {
     const FWUI &ui = FWUI::shared();
     const QFontMetrics fm(ui.font(12.5, QFont::DemiBold));
-    button->setText(text.isEmpty() ? u"—"_s : fm.elidedText(text, Qt::ElideRight, ui.px(kAfterW - 20)));
+    int width = ui.px(kAfterW);
+    for (const QString &text : texts)
+        // Two pixels spare: the eliding measures a little wider than the advance.
+        width = std::max(width, fm.horizontalAdvance(text) + 2 * ui.px(kButtonPad) + 4);
+    return std::min(width, ui.px(kAfterMaxW));
+}
+
+// The After face cut to its button, the whole list in the tip.
+void showAfter(FWChromeButton *button, const QString &text, int width)
+{
+    const FWUI &ui = FWUI::shared();
+    const QFontMetrics fm(ui.font(12.5, QFont::DemiBold));
+    button->setFixedWidth(width);
+    button->setText(text.isEmpty() ? u"—"_s
+                                   : fm.elidedText(text, Qt::ElideRight, width - 2 * ui.px(kButtonPad) - 2));
     button->setToolTip(text.isEmpty() ? u"Starts after: choose predecessors"_s : u"Starts after "_s + text);
 }
 
@@ -128,6 +146,8 @@ GanttView::GanttView(DB &db, const Rec &project, const ModuleDef &m, QWidget *pa
     for (const auto &[text, width] : columns) {
         auto *cap = new FWCaption(text, m_heading);
         cap->setFixedWidth(text == u"Start" ? startWidth() : ui.px(width));
+        if (text == u"After")
+            m_afterHead = cap;
         heads->addWidget(cap);
     }
     m_heading->setFixedHeight(ui.px(GanttSize::kHeader));
@@ -206,9 +226,13 @@ void GanttView::refresh()
     m_title->setSubtitle(subtitle(m_project, dates));
     m_printable->setTitle(u"Schedule "_s + m_project.f.value(u"name"));
 
-    QStringList ids;
-    for (const Rec &t : tasks)
+    QStringList ids, afters;
+    for (const Rec &t : tasks) {
         ids.append(t.id);
+        afters.append(afterText(m_db, t));
+    }
+    m_afterW = afterWidth(afters);
+    m_afterHead->setFixedWidth(m_afterW);
     if (ids != m_rowIDs) {
         for (QWidget *w : std::as_const(m_rows))
             w->deleteLater();
@@ -224,9 +248,13 @@ void GanttView::refresh()
             for (QObject *child : m_rows[i]->children())
                 if (auto *r = dynamic_cast<Refreshable *>(child))
                     r->refresh();
-            if (auto *after = m_rows[i]->findChild<FWChromeButton *>(u"after"_s))
-                showAfter(after, afterText(m_db, tasks[i]));
         }
+    }
+    for (int i = 0; i < m_rows.size(); ++i) {
+        if (auto *after = m_rows[i]->findChild<FWChromeButton *>(u"after"_s))
+            showAfter(after, afters[i], m_afterW);
+        if (auto *start = m_rows[i]->findChild<ThemedDate *>(u"start"_s))
+            suggestStart(start, tasks[i], dates.value(tasks[i].id).start, afters[i]);
     }
     m_empty->setVisible(tasks.isEmpty());
     m_column->adjustSize();
@@ -245,13 +273,13 @@ QWidget *GanttView::makeRow(const Rec &task)
     auto *name = new ThemedTextField(bind(u"name"_s), u"Task name"_s, false, row);
     name->setFixedWidth(ui.px(kNameW));
     auto *start = new ThemedDate(bind(u"start"_s), row);
+    start->setObjectName(u"start"_s);
     start->setFixedWidth(startWidth());
     auto *days = new NumberField(bind(u"duration"_s), false, u"0"_s, row);
     days->setFixedWidth(ui.px(kDaysW));
     auto *after = new FWChromeButton(QString(), QString(), row);
     after->setObjectName(u"after"_s);
-    after->setFixedWidth(ui.px(kAfterW));
-    showAfter(after, afterText(m_db, task));
+    showAfter(after, afterText(m_db, task), m_afterW);
     connect(after, &QAbstractButton::clicked, this, [this, after, id = task.id] {
         const int i = int(m_rowIDs.indexOf(id));
         if (QMenu *menu = afterMenu(i))
@@ -270,6 +298,19 @@ QWidget *GanttView::makeRow(const Rec &task)
           static_cast<QWidget *>(after), static_cast<QWidget *>(progress), static_cast<QWidget *>(remove)})
         box->addWidget(w, 0, Qt::AlignVCenter);
     return row;
+}
+
+void GanttView::suggestStart(ThemedDate *start, const Rec &task, const QDate &worked, const QString &after)
+{
+    // Only a start of its own is shown as set; one that follows from the schedule is marked so.
+    if (!task.f.value(u"start").isEmpty() || !worked.isValid()) {
+        start->setSuggestion({}, {});
+        return;
+    }
+    start->setSuggestion(worked,
+                         after.isEmpty()
+                             ? u"Worked out from the project's start. Choose it to fix this date."_s
+                             : u"Worked out: starts after "_s + after + u". Choose it to fix this date."_s);
 }
 
 QMenu *GanttView::afterMenu(int row)

@@ -9,6 +9,7 @@ class GanttCanvas;
 class Printable;
 class PrintButton;
 class ScreenTitle;
+class ThemedDate;
 class QLabel;
 class QMenu;
 class QScrollArea;
@@ -51,6 +52,8 @@ public:
 
 private:
     QWidget *makeRow(const Rec &task);
+    // The start box of `task`: its own date, or the `worked` one the schedule gives it, marked so.
+    static void suggestStart(ThemedDate *start, const Rec &task, const QDate &worked, const QString &after);
     void fillAfterMenu(QMenu *menu, const QString &taskID);
     void savePDF();
     PrintJob printJob() const;
@@ -65,6 +68,8 @@ private:
     QWidget *m_column;
     QVBoxLayout *m_rowBox;
     QWidget *m_heading;
+    QWidget *m_afterHead = nullptr;
+    int m_afterW = 0;
     QLabel *m_empty;
     GanttCanvas *m_canvas;
     QList<QWidget *> m_rows;

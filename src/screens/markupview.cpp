@@ -3,7 +3,10 @@
 #include "documents/pdfmarks.h"
 #include "look/fwui.h"
 #include "shell/fieldeditors.h"
+#include "store/filewrites.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
@@ -53,6 +56,34 @@ std::optional<QString> askNote(QWidget *parent)
     return field->text();
 }
 
+// The sheets open in a view or waiting to be written, by file: a sheet opened
+// again while its marks wait shows them, and a later write carries them all.
+QHash<QString, std::weak_ptr<PdfMarkup>> &openSheets()
+{
+    static QHash<QString, std::weak_ptr<PdfMarkup>> sheets;
+    return sheets;
+}
+
+std::shared_ptr<PdfMarkup> sheetAt(const QString &path)
+{
+    std::weak_ptr<PdfMarkup> &slot = openSheets()[path];
+    std::shared_ptr<PdfMarkup> pdf = slot.lock();
+    if (!pdf) {
+        pdf = std::make_shared<PdfMarkup>(path);
+        slot = pdf;
+    }
+    return pdf;
+}
+
+QString writeCause(const QString &path)
+{
+    // Opened for writing, not written: the rights of the user Trestle runs as, as the write had them.
+    QFile file(path);
+    if (file.exists() && !file.open(QIODevice::ReadWrite))
+        return u"the plan sheet's file is read-only"_s;
+    return u"the plan sheet's file could not be written"_s;
+}
+
 } // namespace
 
 const QStringList &MarkupView::toolNames()
@@ -69,7 +100,8 @@ MarkupView::AskNote &MarkupView::askNoteHook()
 
 MarkupView::MarkupView(const QString &path, QWidget *parent)
     : QAbstractScrollArea(parent)
-    , m_pdf(std::make_unique<PdfMarkup>(path))
+    , m_file(QFileInfo(path).absoluteFilePath())
+    , m_pdf(sheetAt(m_file))
 {
     setFrameShape(QFrame::NoFrame);
     FieldLook::thinScrollBar(verticalScrollBar());
@@ -80,7 +112,31 @@ MarkupView::MarkupView(const QString &path, QWidget *parent)
     layoutPages();
 }
 
-MarkupView::~MarkupView() = default;
+MarkupView::~MarkupView()
+{
+    // The last holder gone (no view, no waiting write): forget the sheet.
+    const QString path = m_file;
+    m_pdf.reset();
+    const auto it = openSheets().constFind(path);
+    if (it != openSheets().constEnd() && it->expired())
+        openSheets().erase(it);
+}
+
+void MarkupView::write()
+{
+    if (m_pdf->save()) {
+        FileWrites::shared().written(m_file);
+        return;
+    }
+    // The write holds the sheet, so its marks outlive this view until they are on disk.
+    FileWrites::shared().failed(
+        m_file, writeCause(m_file),
+        [pdf = m_pdf, path = m_file] {
+            // A sheet deleted meanwhile has nothing left to keep.
+            return !QFileInfo::exists(path) || pdf->save();
+        },
+        [pdf = m_pdf](const QString &to) { return pdf->saveAs(to); });
+}
 
 bool MarkupView::isValid() const
 {
@@ -366,8 +422,7 @@ void MarkupView::finishMark(int handle, int page)
 {
     if (handle > 0) {
         m_added.append({handle, page});
-        // A sheet that cannot be written keeps the mark on screen all the same.
-        m_pdf->save();
+        write();
         dropTiles(page);
         Q_EMIT marksChanged();
     }
@@ -380,7 +435,7 @@ bool MarkupView::undoLast()
         return false;
     const auto [handle, page] = m_added.takeLast();
     m_pdf->remove(handle);
-    m_pdf->save();
+    write();
     dropTiles(page);
     viewport()->update();
     Q_EMIT marksChanged();

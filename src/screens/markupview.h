@@ -11,8 +11,9 @@ class PdfMarkup;
 
 // A plan sheet's pages one below the other, fitted to the width and sharp at
 // every zoom, on which the user draws. Each finished mark, and each undo,
-// rewrites the sheet's file at once; a file that cannot be written keeps the
-// marks on screen until the sheet is opened again.
+// rewrites the sheet's file at once. A file that cannot be written keeps its
+// marks (on screen, and for any view that opens the sheet again) and waits in
+// FileWrites, which the save banner shows, until a write goes through.
 class MarkupView : public QAbstractScrollArea
 {
     Q_OBJECT
@@ -78,8 +79,11 @@ private:
     const QImage &tileFor(int page, const QRect &visible, double dpr);
     void finishMark(int handle, int page);
     void dropTiles(int page);
+    // Writes the sheet with its marks, or leaves the write waiting in FileWrites.
+    void write();
 
-    std::unique_ptr<PdfMarkup> m_pdf;
+    QString m_file;
+    std::shared_ptr<PdfMarkup> m_pdf;
     QString m_tool = QStringLiteral("pan");
     QColor m_color = Qt::red;
     double m_zoom = 1;

@@ -81,7 +81,7 @@ PayAppDetail::PayAppDetail(DB &db, Nav &nav, const QString &payAppId, QWidget *p
     , m_db(db)
     , m_nav(nav)
     , m_id(payAppId)
-    , m_notice(new Notice(QString(), Notice::orange(), u"lock.fill"_s, this))
+    , m_notice(new Notice(QString(), Notice::Tone::Warning, u"lock.fill"_s, this))
     , m_number(new QLabel(this))
     , m_sheet(new MoneyGrid(head(), this))
     , m_note(new QLabel(this))

@@ -83,7 +83,7 @@ void PlansScreen::showSheet(const std::optional<Rec> &sheet)
     if (sheet->f.value(u"status") == u"Superseded") {
         m_notice = new Notice(u"This is an old revision (Rev "_s + sheet->f.value(u"version") +
                                   u"). Markups here won't show on the current sheet."_s,
-                              Notice::orange(), u"exclamationmark.triangle.fill"_s, m_viewerBody);
+                              Notice::Tone::Warning, u"exclamationmark.triangle.fill"_s, m_viewerBody);
         col->addWidget(m_notice);
     }
 

@@ -48,7 +48,17 @@ SOVEditor::SOVEditor(DB &db, const QString &projectId, QWidget *parent)
     col->addWidget(m_grid);
     auto *buttons = new QHBoxLayout;
     m_add->setObjectName(u"add"_s);
-    connect(m_add, &QAbstractButton::clicked, this, [this] { addSOVLine(m_db, m_project); });
+    connect(m_add, &QAbstractButton::clicked, this, [this] {
+        const Rec line = addSOVLine(m_db, m_project);
+        // The new line is typed into next: show it now and put the focus in its first cell.
+        refresh();
+        const MoneyGrid::Cells cells = m_grid->cells(rowKey(line.id, false));
+        if (!cells.isEmpty()) {
+            cells.first()->setFocus(Qt::OtherFocusReason);
+            if (auto *box = qobject_cast<QLineEdit *>(cells.first()))
+                box->selectAll();
+        }
+    });
     buttons->addWidget(m_add);
     buttons->addStretch(1);
     col->addLayout(buttons);

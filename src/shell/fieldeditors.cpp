@@ -255,7 +255,7 @@ ThemedDate::ThemedDate(const TextBinding &value, QWidget *parent)
     DateKeys::attach(m_set, m_picker, m_clear);
 
     connect(m_set, &QAbstractButton::clicked, this, [this] {
-        m_value.set(DateFmt::iso(DateFmt::today()));
+        m_value.set(DateFmt::iso(m_suggested.isValid() ? m_suggested : DateFmt::today()));
         refresh();
         m_picker->setFocus();
     });
@@ -275,6 +275,14 @@ ThemedDate::ThemedDate(const TextBinding &value, QWidget *parent)
     restyle();
     connect(&FWUI::shared(), &FWUI::changed, this, restyle);
     refresh();
+}
+
+void ThemedDate::setSuggestion(const QDate &date, const QString &why)
+{
+    m_suggested = date;
+    m_set->setText(date.isValid() ? QLocale().toString(date, kDateFormat) : u"Set date"_s);
+    m_set->setSymbol(date.isValid() ? u"link"_s : QString());
+    m_set->setToolTip(date.isValid() ? why : QString());
 }
 
 int ThemedDate::pickerWidth()

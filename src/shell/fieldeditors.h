@@ -4,6 +4,7 @@
 #include "catalog/moduledef.h"
 #include "store/rec.h"
 
+#include <QtCore/QDate>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPlainTextEdit>
@@ -95,6 +96,11 @@ class ThemedDate : public QWidget, public Refreshable
 public:
     explicit ThemedDate(const TextBinding &value, QWidget *parent = nullptr);
     void refresh() override;
+    // While no date is stored: the date the value comes to all the same (a task's
+    // start worked out from its predecessors), shown on the Set face with a link
+    // symbol and `why` as its tip, and stored when Set is chosen. An invalid date
+    // brings back the plain "Set date".
+    void setSuggestion(const QDate &date, const QString &why);
     // The narrowest picker that shows every date of the year whole at the current zoom.
     static int pickerWidth();
     // The picker with its clear button: what a column of fixed width must allow.
@@ -111,6 +117,7 @@ private:
     QWidget *m_pickerRow;
     QDateEdit *m_picker;
     FWChromeButton *m_clear;
+    QDate m_suggested;
     bool m_updating = false;
 };
 

@@ -99,7 +99,7 @@ void ProjectSummary::present(const Rec &project)
 
 ComplianceNotice::ComplianceNotice(DB &db, const QString &recordId, QWidget *parent)
     : RecordPanel(db, recordId, parent)
-    , m_notice(new Notice({}, Notice::red(), kWarning, this))
+    , m_notice(new Notice({}, Notice::Tone::Error, kWarning, this))
 {
     column()->addWidget(m_notice);
     refresh();
@@ -114,12 +114,12 @@ void ComplianceNotice::present(const Rec &rec)
 {
     const Calc::Compliance c = complianceOf(rec);
     if (c.status == u"expired"_s) {
-        m_notice->setColor(Notice::red());
+        m_notice->setTone(Notice::Tone::Error);
         m_notice->setText(u"Expired "_s + QString::number(-c.days) +
                           u" day(s) ago. Don't let this sub on site or pay until a current certificate is on "
                           u"file."_s);
     } else if (c.status == u"expiring"_s) {
-        m_notice->setColor(Notice::orange());
+        m_notice->setTone(Notice::Tone::Warning);
         m_notice->setText(u"Expires in "_s + QString::number(c.days) +
                           u" day(s). Request a renewed certificate now."_s);
     }
@@ -149,7 +149,7 @@ void TimecardHours::present(const Rec &timecard)
 UnitItemEarned::UnitItemEarned(DB &db, const QString &recordId, QWidget *parent)
     : RecordPanel(db, recordId, parent)
     , m_totals(new TotalsBox(this))
-    , m_overrun(new Notice({}, Notice::orange(), kWarning, this))
+    , m_overrun(new Notice({}, Notice::Tone::Warning, kWarning, this))
 {
     column()->addWidget(m_totals);
     column()->addWidget(m_overrun);

@@ -10,9 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-Notice::Notice(const QString &text, const QColor &color, const QString &symbol, QWidget *parent)
+Notice::Notice(const QString &text, Tone tone, const QString &symbol, QWidget *parent)
     : QFrame(parent)
-    , m_color(color)
+    , m_tone(tone)
     , m_symbol(symbol)
     , m_icon(new QLabel(this))
     , m_text(new QLabel(text, this))
@@ -47,11 +47,16 @@ QString Notice::text() const
     return m_text->text();
 }
 
-void Notice::setColor(const QColor &color)
+QColor Notice::color() const
 {
-    if (color == m_color)
+    return m_tone == Tone::Error ? red() : orange();
+}
+
+void Notice::setTone(Tone tone)
+{
+    if (tone == m_tone)
         return;
-    m_color = color;
+    m_tone = tone;
     restyle();
 }
 
@@ -60,7 +65,7 @@ void Notice::restyle()
     const FWUI &ui = FWUI::shared();
     layout()->setContentsMargins(ui.px(12), ui.px(9), ui.px(12), ui.px(9));
     layout()->setSpacing(ui.px(9));
-    m_icon->setPixmap(Icons::pixmap(m_symbol, m_color, ui.px(16)));
+    m_icon->setPixmap(Icons::pixmap(m_symbol, color(), ui.px(16)));
     m_text->setFont(ui.font(12, QFont::Medium));
     QPalette p = m_text->palette();
     p.setColor(QPalette::WindowText, ui.theme().text);
@@ -73,9 +78,9 @@ void Notice::paintEvent(QPaintEvent *)
     const FWUI &ui = FWUI::shared();
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
-    QColor fill = m_color;
+    QColor fill = color();
     fill.setAlphaF(0.14);
-    QColor edge = m_color;
+    QColor edge = color();
     edge.setAlphaF(0.45);
     p.setBrush(fill);
     p.setPen(QPen(edge, 1));

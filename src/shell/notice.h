@@ -9,11 +9,16 @@ class Notice : public QFrame
 {
     Q_OBJECT
 public:
-    Notice(const QString &text, const QColor &color, const QString &symbol, QWidget *parent = nullptr);
+    // Which of the finish's colours a notice wears; it follows the finish when that changes.
+    enum class Tone { Error, Warning };
+
+    Notice(const QString &text, Tone tone, const QString &symbol, QWidget *parent = nullptr);
     void setText(const QString &text);
-    void setColor(const QColor &color);
+    void setTone(Tone tone);
+    Tone tone() const { return m_tone; }
     QString text() const;
-    QColor color() const { return m_color; }
+    // The colour of the tone in the current finish.
+    QColor color() const;
 
     // The colours notices use, readable on every finish.
     static QColor red();
@@ -24,7 +29,7 @@ protected:
 
 private:
     void restyle();
-    QColor m_color;
+    Tone m_tone;
     QString m_symbol;
     QLabel *m_icon;
     QLabel *m_text;

@@ -116,6 +116,30 @@ int RecordScreen::editorWidth(const ModuleDef &m)
     return m.id == u"documents" ? 720 : 440;
 }
 
+int RecordScreen::editorFit(const ModuleDef &m, int available)
+{
+    const FWUI &ui = FWUI::shared();
+    // The list keeps enough for a name and an amount; an editor with lines keeps enough for them.
+    const int listLeast = ui.px(300);
+    const int editorLeast = ui.px(m.lineKind ? 560 : 380);
+    return std::min(ui.px(editorWidth(m)), std::max(editorLeast, available - listLeast));
+}
+
+void RecordScreen::fitEditor()
+{
+    if (!m_editor)
+        return;
+    const QMargins margins = layout()->contentsMargins();
+    const int available = width() - margins.left() - margins.right() - m_split->spacing();
+    m_editor->setFixedWidth(editorFit(m_m, available));
+}
+
+void RecordScreen::resizeEvent(QResizeEvent *e)
+{
+    ShellScreen::resizeEvent(e);
+    fitEditor();
+}
+
 QString RecordScreen::newName(const ModuleDef &m)
 {
     return u"New "_s + m.title.toLower().remove(QRegularExpression(u"s$"_s));
@@ -134,8 +158,7 @@ void RecordScreen::restyle()
     m_split->setSpacing(ui.px(12));
     m_searchBox->setFixedWidth(ui.px(200));
     m_stack->setContentsMargins(ui.px(6), ui.px(6), ui.px(6), ui.px(6));
-    if (m_editor)
-        m_editor->setFixedWidth(ui.px(editorWidth(m_m)));
+    fitEditor();
 }
 
 void RecordScreen::refresh()
@@ -215,7 +238,7 @@ void RecordScreen::syncEditor()
         return;
     }
     m_editor = new RecordEditor(m_db, m_nav, m_m, id, this);
-    m_editor->setFixedWidth(FWUI::shared().px(editorWidth(m_m)));
+    fitEditor();
     m_split->addWidget(m_editor);
     if (m_focusNew == id) {
         // A new record is filled in from its first field; the editor shows on the next turn.

@@ -35,8 +35,12 @@ public:
 
     // Nav's project when the module works per project and one is chosen.
     std::optional<QString> scopedProject() const;
-    // The editor column's width in points before zoom.
+    // The editor column's width in points before zoom, when the screen has room for it.
     static int editorWidth(const ModuleDef &m);
+    // The editor column's width in pixels at the current zoom on a screen whose list and
+    // editor share `available` pixels: its own width, narrowed down to a least one so
+    // that the list keeps room to read.
+    static int editorFit(const ModuleDef &m, int available);
     // The first-name rule: "New " and the title in lower case less one trailing "s".
     static QString newName(const ModuleDef &m);
 
@@ -51,6 +55,7 @@ public:
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *e) override;
 
 private:
     // The list or the empty state, for the rows the model holds now.
@@ -58,6 +63,8 @@ private:
     void syncSelection();
     void syncEditor();
     void restyle();
+    // Gives the editor its width for the room the screen has now.
+    void fitEditor();
     // The list's print job: the log of the rows shown.
     PrintJob listJob();
 

@@ -85,20 +85,79 @@ void RecordListView::fitColumns()
     auto *m = qobject_cast<RecordListModel *>(model());
     if (!m)
         return;
-    const FWUI &ui = FWUI::shared();
     QHeaderView *h = header();
     h->setStretchLastSection(false);
     h->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    for (int i = 0; i < m->columnCount(); ++i) {
-        const bool number = i < m->columns().size() && m->columns().at(i).key == u"number";
-        const bool badge = i >= m->columns().size();
-        if (number || badge) {
-            h->setSectionResizeMode(i, QHeaderView::Fixed);
-            h->resizeSection(i, ui.px(number ? 44 : 110));
-        } else {
-            h->setSectionResizeMode(i, QHeaderView::Stretch);
-        }
+    // The header's own metrics, as its painting elides with them.
+    const QFontMetrics head = h->fontMetrics();
+    const int headGaps = FWUI::shared().px(8) + FWUI::shared().px(4);
+    m_natural.clear();
+    m_rigid.clear();
+    for (int c = 0; c < m->columnCount(); ++c) {
+        h->setSectionResizeMode(c, QHeaderView::Fixed);
+        const FD *fd = c < m->columns().size() ? &m->columns().at(c) : nullptr;
+        // What must never be cut: amounts first, then numbers, dates and status words.
+        const bool rigid = !fd || fd->key == u"number" || fd->key == u"status" || fd->key == u"stage" ||
+                           fd->type.kind == FT::money || fd->type.kind == FT::number ||
+                           fd->type.kind == FT::percent || fd->type.kind == FT::date ||
+                           fd->type.kind == FT::time;
+        const QString heading = m->headerData(c, Qt::Horizontal, Qt::DisplayRole).toString();
+        // The advance leaves out the headings' letter spacing, which their eliding counts.
+        int width = head.horizontalAdvance(heading) +
+                    int(std::ceil(h->font().letterSpacing() * heading.size())) + headGaps;
+        for (int r = 0; r < m->rowCount(); ++r)
+            width = std::max(width, RecordCellDelegate::wholeWidth(m->index(r, c)));
+        m_natural.append(width);
+        m_rigid.append(rigid);
     }
+    placeColumns();
+}
+
+void RecordListView::placeColumns()
+{
+    if (m_natural.size() != header()->count())
+        return;
+    const QList<int> widths = shareWidths(m_natural, m_rigid, viewport()->width(), FWUI::shared().px(60));
+    int total = 0;
+    for (int c = 0; c < widths.size(); ++c) {
+        header()->resizeSection(c, widths[c]);
+        total += widths[c];
+    }
+    setHorizontalScrollBarPolicy(total > viewport()->width() + 1 ? Qt::ScrollBarAsNeeded
+                                                                 : Qt::ScrollBarAlwaysOff);
+}
+
+void RecordListView::resizeEvent(QResizeEvent *e)
+{
+    QTreeView::resizeEvent(e);
+    placeColumns();
+}
+
+QList<int> RecordListView::shareWidths(const QList<int> &natural, const QList<bool> &rigid, int available,
+                                       int least)
+{
+    QList<int> widths = natural;
+    QList<int> flexible;
+    int rest = available;
+    for (int c = 0; c < natural.size(); ++c) {
+        if (rigid.value(c))
+            rest -= natural[c];
+        else
+            flexible.append(c);
+    }
+    // Narrowest first: a column that needs less than an even share keeps its
+    // width, and what it leaves goes to the wider ones.
+    std::stable_sort(flexible.begin(), flexible.end(), [&](int a, int b) { return natural[a] < natural[b]; });
+    for (qsizetype i = 0; i < flexible.size(); ++i) {
+        const int c = flexible[i];
+        const qsizetype left = flexible.size() - i;
+        // The widest takes whatever remains, so the list ends at the view's edge.
+        widths[c] = i + 1 == flexible.size()
+                        ? std::max(least, rest)
+                        : std::max(least, std::min(natural[c], int(std::max(0, rest) / left)));
+        rest -= widths[c];
+    }
+    return widths;
 }
 
 void RecordListView::drawRow(QPainter *painter, const QStyleOptionViewItem &option,
@@ -155,12 +214,51 @@ void RecordCellDelegate::paintCapsule(QPainter *p, const QRectF &cell, const QSt
     p->restore();
 }
 
+QFont RecordCellDelegate::fontOf(int kind)
+{
+    const FWUI &ui = FWUI::shared();
+    switch (RecordListModel::CellKind(kind)) {
+    case RecordListModel::Project: return ui.font(12);
+    case RecordListModel::Number: return ui.font(12, QFont::Bold);
+    case RecordListModel::Money: return ui.font(12.5, QFont::DemiBold);
+    case RecordListModel::Pill:
+    case RecordListModel::Badge: return ui.font(10, QFont::Black);
+    default: return ui.font(12.5);
+    }
+}
+
+qreal RecordCellDelegate::leftGap()
+{
+    return FWUI::shared().s(8);
+}
+
+qreal RecordCellDelegate::rightGap()
+{
+    return FWUI::shared().s(4);
+}
+
+int RecordCellDelegate::wholeWidth(const QModelIndex &index)
+{
+    const FWUI &ui = FWUI::shared();
+    const int kind = index.data(RecordListModel::KindRole).toInt();
+    QString text = index.data(Qt::DisplayRole).toString();
+    if (kind == RecordListModel::Pill)
+        text = StatusPill::shown(text);
+    if (text.isEmpty())
+        return 0;
+    const QFontMetricsF fm(fontOf(kind));
+    qreal inner = fm.horizontalAdvance(QString(text).replace(u'\n', u' '));
+    if (kind == RecordListModel::Pill || kind == RecordListModel::Badge)
+        inner += ui.s(16); // the capsule's ends
+    return int(std::ceil(leftGap() + inner + rightGap())) + 1;
+}
+
 void RecordCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                const QModelIndex &index) const
 {
     const FWUI &ui = FWUI::shared();
     const FWTheme &t = ui.theme();
-    const QRectF cell = QRectF(option.rect).adjusted(ui.s(8), 0, -ui.s(4), 0);
+    const QRectF cell = QRectF(option.rect).adjusted(leftGap(), 0, -rightGap(), 0);
     const QString text = index.data(Qt::DisplayRole).toString();
     const auto kind = RecordListModel::CellKind(index.data(RecordListModel::KindRole).toInt());
     switch (kind) {
@@ -174,16 +272,8 @@ void RecordCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
         return;
     default: break;
     }
-    QFont font = ui.font(12.5);
-    QColor colour = t.text;
-    if (kind == RecordListModel::Project) {
-        font = ui.font(12);
-        colour = t.dim;
-    } else if (kind == RecordListModel::Number) {
-        font = ui.font(12, QFont::Bold);
-    } else if (kind == RecordListModel::Money) {
-        font = ui.font(12.5, QFont::DemiBold);
-    }
+    const QFont font = fontOf(kind);
+    const QColor colour = kind == RecordListModel::Project ? t.dim : t.text;
     // The number column is narrow; its right gap goes so that a four-digit number shows whole.
     const QRectF room = kind == RecordListModel::Number ? cell.adjusted(0, 0, ui.s(3), 0) : cell;
     painter->save();

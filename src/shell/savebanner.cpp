@@ -5,6 +5,7 @@
 #include "look/buttons.h"
 #include "look/fwui.h"
 #include "store/db.h"
+#include "store/filewrites.h"
 
 #include <QtWidgets/QBoxLayout>
 
@@ -13,7 +14,7 @@ using namespace Qt::StringLiterals;
 SaveBanner::SaveBanner(DB &db, QWidget *parent)
     : QWidget(parent)
     , m_db(db)
-    , m_notice(new Notice(QString(), Notice::red(), u"exclamationmark.triangle.fill"_s, this))
+    , m_notice(new Notice(QString(), Notice::Tone::Error, u"exclamationmark.triangle.fill"_s, this))
     , m_retry(new FWChromeButton(u"Try Again"_s, {}, this))
 {
     setObjectName(u"saveBanner"_s);
@@ -21,8 +22,12 @@ SaveBanner::SaveBanner(DB &db, QWidget *parent)
     box->addWidget(m_notice, 1);
     // The button sits on the notice, at its right end.
     m_notice->layout()->addWidget(m_retry);
-    connect(m_retry, &QAbstractButton::clicked, this, [this] { m_db.retryUnsaved(); });
+    connect(m_retry, &QAbstractButton::clicked, this, [this] {
+        m_db.retryUnsaved();
+        FileWrites::shared().retry();
+    });
     connect(&db, &DB::unsavedChanged, this, &SaveBanner::sync);
+    connect(&FileWrites::shared(), &FileWrites::changed, this, &SaveBanner::sync);
     auto margins = [this, box] {
         const FWUI &ui = FWUI::shared();
         box->setContentsMargins(ui.px(14), ui.px(8), ui.px(14), 0);
@@ -50,8 +55,10 @@ QString SaveBanner::text() const
 
 void SaveBanner::sync()
 {
-    const qsizetype n = m_db.unsavedCount();
+    // Files kept outside the store (marked-up sheets) wait as the records do.
+    const FileWrites &files = FileWrites::shared();
+    const qsizetype n = m_db.unsavedCount() + files.count();
     if (n > 0)
-        m_notice->setText(message(n, m_db.unsavedCause()));
+        m_notice->setText(message(n, m_db.unsavedCount() > 0 ? m_db.unsavedCause() : files.cause()));
     setVisible(n > 0);
 }

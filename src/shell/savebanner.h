@@ -5,7 +5,8 @@ class DB;
 class Notice;
 class FWChromeButton;
 
-// A strip across the window, shown only while changes wait to be written:
+// A strip across the window, shown only while changes wait to be written (the
+// store's records and files such as a marked-up plan sheet):
 // why they could not be (in plain words) and how many wait. It goes away by
 // itself once the store has written them.
 class SaveBanner : public QWidget

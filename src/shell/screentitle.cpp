@@ -16,6 +16,8 @@ ScreenTitle::ScreenTitle(const ModuleDef &m, const QString &subtitle, QWidget *t
 {
     m_title->setObjectName(QStringLiteral("screenTitle"));
     m_subtitle->setVisible(!subtitle.isEmpty());
+    // A long subtitle wraps rather than widen the screen past the window at a large zoom.
+    m_subtitle->setWordWrap(true);
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_icon);
@@ -23,8 +25,7 @@ ScreenTitle::ScreenTitle(const ModuleDef &m, const QString &subtitle, QWidget *t
     texts->setSpacing(0);
     texts->addWidget(m_title);
     texts->addWidget(m_subtitle);
-    row->addLayout(texts);
-    row->addStretch(1);
+    row->addLayout(texts, 1);
     if (trailing)
         row->addWidget(trailing);
     restyle();

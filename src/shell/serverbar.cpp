@@ -129,7 +129,7 @@ void ServerBar::rebuild()
         QString text = problem + u'.';
         if (waiting > 0)
             text = offlineText(waiting) + u". "_s + text;
-        auto *offline = new Notice(text, Notice::orange(), u"wifi.slash"_s, this);
+        auto *offline = new Notice(text, Notice::Tone::Warning, u"wifi.slash"_s, this);
         if (ServerLink::loginRefused(m_sync->problem())) {
             const bool out = m_sync->problem().contains(u"signed out"_s);
             auto *signIn = new FWChromeButton(out ? u"Sign In…"_s : u"Enter Password…"_s, {}, offline);
@@ -150,7 +150,8 @@ void ServerBar::rebuild()
     const QList<SeatNotice> notices = m_sync->notices();
     for (qsizetype i = 0; i < notices.size(); ++i) {
         const SeatNotice &n = notices.at(i);
-        auto *notice = new Notice(describe(m_db, *m_sync, n), Notice::orange(), u"person.2.fill"_s, this);
+        auto *notice =
+            new Notice(describe(m_db, *m_sync, n), Notice::Tone::Warning, u"person.2.fill"_s, this);
         QString remedy;
         if (n.kind == SeatNotice::Replaced)
             remedy = u"Put Mine Back"_s;

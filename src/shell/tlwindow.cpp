@@ -8,6 +8,7 @@
 #include "calc/datefmt.h"
 #include "look/alert.h"
 #include "store/db.h"
+#include "store/filewrites.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QMimeData>
@@ -104,20 +105,29 @@ TLWindow::UnsavedAnswer askWithDialogs(QWidget *parent, qsizetype count, const Q
 
 bool TLWindow::settleUnsaved()
 {
-    if (m_db.unsavedCount() == 0 || m_db.retryUnsaved())
+    // Records and files kept outside the store (a marked-up plan sheet) wait alike.
+    FileWrites &files = FileWrites::shared();
+    const auto waiting = [&] { return m_db.unsavedCount() + files.count(); };
+    const auto retry = [&] {
+        const bool records = m_db.retryUnsaved();
+        return files.retry() && records;
+    };
+    if (waiting() == 0 || retry())
         return true;
     for (;;) {
-        const UnsavedAnswer a = askUnsavedHook()
-                                    ? askUnsavedHook()(this, m_db.unsavedCount(), m_db.unsavedCause())
-                                    : askWithDialogs(this, m_db.unsavedCount(), m_db.unsavedCause());
+        const QString cause = m_db.unsavedCount() > 0 ? m_db.unsavedCause() : files.cause();
+        const UnsavedAnswer a = askUnsavedHook() ? askUnsavedHook()(this, waiting(), cause)
+                                                 : askWithDialogs(this, waiting(), cause);
         if (a.choice == UnsavedAnswer::TryAgain) {
-            if (m_db.retryUnsaved())
+            if (retry())
                 return true;
         } else if (a.choice == UnsavedAnswer::SaveToFile) {
             if (a.file.isEmpty())
                 continue; // the file dialog was cancelled: ask again
+            // The records go into the file, the waiting files beside it.
             QString error;
-            if (m_db.saveUnsavedTo(a.file, &error))
+            if ((m_db.unsavedCount() == 0 || m_db.saveUnsavedTo(a.file, &error)) &&
+                files.saveCopiesBeside(a.file, &error))
                 return true;
             FWAlert::show(this, u"Could not save the changes"_s,
                           u"Trestle could not write "_s + QDir::toNativeSeparators(a.file) + u": "_s + error);

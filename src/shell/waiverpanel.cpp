@@ -17,7 +17,7 @@ WaiverPanel::WaiverPanel(DB &db, const QString &waiverId, QWidget *parent)
     : QWidget(parent)
     , m_db(db)
     , m_id(waiverId)
-    , m_notice(new Notice({}, Notice::red(), u"exclamationmark.triangle.fill"_s, this))
+    , m_notice(new Notice({}, Notice::Tone::Error, u"exclamationmark.triangle.fill"_s, this))
     , m_caption(new FWCaption(u"Waiver wording"_s, this))
     , m_preview(new QLabel(this))
 {

@@ -387,6 +387,25 @@ private Q_SLOTS:
         editor.grid()->cell<FWChromeButton>(lines[1].id, 3)->click();
         QVERIFY(!s.db.get(lines[1].id));
     }
+
+    void addLineByKeyboardLandsInItsFirstCell()
+    {
+        Shop s({100000, 50000});
+        SOVEditor editor(s.db, s.project.id);
+        editor.show();
+        QApplication::setActiveWindow(&editor);
+        QVERIFY(QTest::qWaitForWindowActive(&editor));
+        editor.addButton()->setFocus();
+        QTest::keyClick(editor.addButton(), Qt::Key_Space);
+        const QList<Rec> lines = s.db.list(u"sov_line"_s, {.project = s.project.id});
+        QCOMPARE(lines.size(), 3);
+        QWidget *first = editor.grid()->cells(lines[2].id).value(0);
+        QVERIFY(first);
+        QCOMPARE(QApplication::focusWidget(), first);
+        // Typing replaces the suggested item number instead of adding to it.
+        QTest::keyClicks(QApplication::focusWidget(), u"A-7"_s);
+        QCOMPARE(s.db.get(lines[2].id)->f.value(u"item"), u"A-7"_s);
+    }
 };
 
 TRESTLE_TEST(PayAppTests);
