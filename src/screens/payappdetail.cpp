@@ -93,6 +93,7 @@ PayAppDetail::PayAppDetail(DB &db, Nav &nav, const QString &payAppId, QWidget *p
     , m_unconditional(
           new FWChromeButton(QString::fromUtf16(PayAppText::kUnconditionalWaiver), u"signature"_s, this))
 {
+    m_sheet->setAccessibleName(u"G703 continuation sheet"_s);
     auto field = [&](const FD &fd) {
         auto *e = new FieldEditor(db, fd, TextBinding::of(recBinding(db, payAppId, fd.key)), QString(), false,
                                   this);
@@ -338,6 +339,7 @@ void PayAppDetail::refresh()
     const Calc::PayTotals &t = data.calc.totals;
     fill(totalKey(), QString(), u"TOTAL"_s, t.scheduled, t.previous, std::pair{t.thisPeriod, t.stored},
          t.completed, QString(), t.balance, Money::add(t.retWork, t.retMat));
+    m_sheet->nameInputs();
 
     const QList<qint64> values = g702Values(data.calc.g702);
     for (qsizetype i = 0; i < values.size(); ++i)

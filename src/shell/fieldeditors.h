@@ -99,6 +99,8 @@ public:
     static int pickerWidth();
     // The picker with its clear button: what a column of fixed width must allow.
     static int fullWidth();
+    // Names the parts for a screen reader after the field's visible label.
+    void setLabel(const QString &label);
     // The parts, for tests and focus handling.
     FWChromeButton *setButton() const { return m_set; }
     QDateEdit *picker() const { return m_picker; }
@@ -126,6 +128,9 @@ public:
     void refresh() override;
     // The input control made for the field.
     QWidget *control() const { return m_control; }
+    // The label shown beside the control, which a screen reader says for it
+    // (the field's own label until a form shows another).
+    void setLabel(const QString &label);
     void setProject(const QString &project);
 
 private:

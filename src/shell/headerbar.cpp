@@ -26,7 +26,7 @@ HeaderMenuButton::HeaderMenuButton(const QString &caption, const QString &symbol
     , m_symbol(symbol)
     , m_menu(menu)
 {
-    setAccessibleName(caption);
+    nameForReader();
     setCursor(Qt::PointingHandCursor);
     // The value is elided, so at large zooms the menus give up width rather than widen the window.
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -42,7 +42,7 @@ void HeaderMenuButton::setCaption(const QString &caption)
     if (caption == m_caption)
         return;
     m_caption = caption;
-    setAccessibleName(caption);
+    nameForReader();
     updateGeometry();
     update();
 }
@@ -52,8 +52,15 @@ void HeaderMenuButton::setValue(const QString &value)
     if (value == text())
         return;
     setText(value);
+    nameForReader();
     updateGeometry();
     update();
+}
+
+void HeaderMenuButton::nameForReader()
+{
+    // The face may elide the value; a reader hears what is chosen in full.
+    setAccessibleName(text().isEmpty() ? m_caption : m_caption + u": "_s + text());
 }
 
 void HeaderMenuButton::setCompact(bool compact)

@@ -31,7 +31,7 @@ namespace TLApp {
 
 bool wantsWindow(int argc, char **argv)
 {
-    return argc == 1 || std::strcmp(argv[1], "--screenshot") == 0;
+    return argc == 1 || std::strcmp(argv[1], "--screenshot") == 0 || std::strcmp(argv[1], "--open") == 0;
 }
 
 std::function<void()> &helpPagesHook()
@@ -44,6 +44,12 @@ std::function<void(QWidget *)> &helpWindowHook()
 {
     static std::function<void(QWidget *)> hook;
     return hook;
+}
+
+QList<std::function<void()>> &appReadyHooks()
+{
+    static QList<std::function<void()>> hooks;
+    return hooks;
 }
 
 void showHelp(QWidget *parent)
@@ -155,6 +161,8 @@ int run(int &argc, char **argv)
     // The id names the installed .desktop file: Wayland finds the window's icon and menu entry by it.
     QGuiApplication::setDesktopFileName(u"com.fenwright.Trestle"_s);
     QApplication::setWindowIcon(QIcon(u":/com.fenwright.Trestle.svg"_s));
+    for (const std::function<void()> &ready : std::as_const(appReadyHooks()))
+        ready();
     // One window per data folder: a second start brings the first to the front.
     SingleInstance single(DB::appFolder());
     QString claimMessage;
@@ -216,6 +224,33 @@ int run(int &argc, char **argv)
             FWUI::shared().setTheme(shot.finish);
         if (shot.zoom)
             FWUI::shared().setZoom(*shot.zoom);
+    }
+
+    // Opening at a screen: a record of the module, or the project a project's screen shows.
+    if (args.value(1) == u"--open") {
+        const ModuleDef *m = Modules::get(args.value(2));
+        if (!m || args.size() > 4) {
+            QTextStream(stderr) << u"Usage: --open MODULE [RECORD or PROJECT NUMBER]"_s << Qt::endl;
+            return 2;
+        }
+        nav.setModule(m->id);
+        if (const QString which = args.value(3); !which.isEmpty()) {
+            const QString recordId = findRecord(db, *m, which);
+            const QString projectId =
+                recordId.isEmpty() ? findRecord(db, *Modules::get(u"projects"_s), which) : QString();
+            if (recordId.isEmpty() && projectId.isEmpty()) {
+                QTextStream(stderr) << u"No record or project "
+                                       "_s + which + u"
+                                       " for "_s +
+                                           m->title + u'.'
+                                    << Qt::endl;
+                return 2;
+            }
+            const Rec *rec = db.find(recordId.isEmpty() ? projectId : recordId);
+            nav.setProjectID(rec->kind == u"project" ? rec->id : rec->project);
+            if (!recordId.isEmpty())
+                nav.setSelected(m->id, recordId);
+        }
     }
 
     TLWindow window(db, nav);
