@@ -4,11 +4,13 @@
 
 #include "calc/fieldinput.h"
 #include "look/buttons.h"
+#include "look/fwui.h"
 #include "look/segment.h"
 
 #include <QtWidgets/QAbstractScrollArea>
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QDateEdit>
+#include <QtWidgets/QLabel>
 
 using namespace Qt::StringLiterals;
 
@@ -37,6 +39,13 @@ FieldEditor::FieldEditor(DB &db, const FD &fd, const TextBinding &value, const Q
     case FT::time: {
         auto *t = new ThemedTextField(value, compact && fd.type.kind == FT::text ? fd.label : QString(),
                                       false, this);
+        t->setCheck([fd](const QString &typed, QString *stored) {
+            const FieldInput::Typed read = FieldInput::limited(fd, {typed, {}});
+            *stored = read.stored;
+            return std::pair{read.ok(), read.error};
+        });
+        connect(t, &ThemedTextField::refused, this, &FieldEditor::showRefusal);
+        connect(t, &QLineEdit::textEdited, this, [this] { showRefusal({}); });
         m_control = t;
         m_refreshable = t;
         break;
@@ -52,6 +61,7 @@ FieldEditor::FieldEditor(DB &db, const FD &fd, const TextBinding &value, const Q
     case FT::percent: {
         const bool money = fd.type.kind == FT::money;
         auto *n = new NumberField(value, money, money ? u"0.00"_s : u"0"_s, this);
+        n->setLimit([fd](const FieldInput::Typed &read) { return FieldInput::limited(fd, read); });
         m_control = n;
         m_refreshable = n;
         break;
@@ -75,6 +85,33 @@ FieldEditor::FieldEditor(DB &db, const FD &fd, const TextBinding &value, const Q
     if (m_switch)
         box->addStretch(1);
     setLabel(fd.label);
+}
+
+void FieldEditor::showRefusal(const QString &message)
+{
+    if (message.isEmpty() && !m_refusal)
+        return;
+    if (!m_refusal) {
+        // Under the box, wrapping, in the error colour: the message is never cut.
+        m_refusal = new QLabel(this);
+        m_refusal->setWordWrap(true);
+        m_refusal->setObjectName(u"refusal"_s);
+        QPalette p = m_refusal->palette();
+        p.setColor(QPalette::WindowText, QColor(0xFF, 0x3B, 0x30));
+        m_refusal->setPalette(p);
+        m_refusal->setFont(FWUI::shared().font(10.5));
+        auto *col = new QVBoxLayout;
+        col->setContentsMargins(0, 0, 0, 0);
+        col->setSpacing(3);
+        auto *box = static_cast<QBoxLayout *>(layout());
+        box->removeWidget(m_control);
+        col->addWidget(m_control);
+        col->addWidget(m_refusal);
+        box->insertLayout(0, col, 1);
+    }
+    m_refusal->setText(message);
+    m_refusal->setVisible(!message.isEmpty());
+    FieldLook::apply(m_control, !message.isEmpty());
 }
 
 void FieldEditor::setLabel(const QString &label)

@@ -84,16 +84,43 @@ ThemedTextField::ThemedTextField(const TextBinding &value, const QString &placeh
     // Until a form names it after its label, a box is known by the hint it shows.
     setAccessibleName(placeholder);
     setText(m_value.get());
+    m_original = text();
     // textEdited, not textChanged: our own setText must never write back.
-    connect(this, &QLineEdit::textEdited, this, [this](const QString &t) { m_value.set(t); });
+    connect(this, &QLineEdit::textEdited, this, [this](const QString &t) {
+        QString stored = t;
+        if (!m_check || m_check(t, &stored).first)
+            m_value.set(stored);
+    });
+    connect(this, &QLineEdit::editingFinished, this, [this] {
+        if (!m_check)
+            return;
+        QString stored;
+        const auto [ok, message] = m_check(text(), &stored);
+        if (ok)
+            return;
+        const QString kept = m_original;
+        if (m_value.get() != kept)
+            m_value.set(kept);
+        setText(kept);
+        Q_EMIT refused(message + u" Kept "_s + (kept.isEmpty() ? u"blank"_s : kept) + u'.');
+    });
     FieldLook::apply(this, false, m_mono);
     connect(&FWUI::shared(), &FWUI::changed, this, [this] { FieldLook::apply(this, false, m_mono); });
+}
+
+void ThemedTextField::focusInEvent(QFocusEvent *e)
+{
+    m_original = m_value.get();
+    QLineEdit::focusInEvent(e);
 }
 
 void ThemedTextField::refresh()
 {
     const QString stored = m_value.get();
-    if (!hasFocus() && text() != stored)
+    if (hasFocus())
+        return;
+    m_original = stored;
+    if (text() != stored)
         setText(stored);
 }
 

@@ -49,10 +49,25 @@ public:
                     QWidget *parent = nullptr);
     // Takes the bound text unless the user is typing here.
     void refresh() override;
+    // What the box may hold: a text it refuses is never stored, and when the
+    // user leaves the box on one, the box and the store go back to the text it
+    // had when the user came in (a state's "Co" on the way to "Colorado" is no
+    // answer) and says why.
+    using Check = std::function<std::pair<bool, QString>(const QString &typed, QString *stored)>;
+    void setCheck(Check check) { m_check = std::move(check); }
+
+Q_SIGNALS:
+    // The user left the box on a text it refuses; `message` says why and what was kept.
+    void refused(const QString &message);
+
+protected:
+    void focusInEvent(QFocusEvent *e) override;
 
 private:
     TextBinding m_value;
     bool m_mono;
+    Check m_check;
+    QString m_original;
 };
 
 // A text box of several lines; line breaks are kept.
@@ -134,8 +149,10 @@ public:
     void setProject(const QString &project);
 
 private:
+    void showRefusal(const QString &message);
     DB &m_db;
     FD m_fd;
+    class QLabel *m_refusal = nullptr;
     TextBinding m_value;
     QString m_project;
     QWidget *m_control = nullptr;

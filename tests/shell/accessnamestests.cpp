@@ -12,6 +12,7 @@
 
 #include <QtGui/QAccessible>
 #include <QtWidgets/QDateEdit>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 
 using namespace Qt::StringLiterals;
@@ -68,6 +69,57 @@ private Q_SLOTS:
         // A form that shows another label renames every part.
         editor.setLabel(u"Site"_s);
         QCOMPARE(i->text(QAccessible::Name), u"Site"_s);
+    }
+
+    // A field refuses what it cannot hold with a message under it, and the
+    // store keeps the last good value; a good value clears the message.
+    void fieldRefusesInPlace_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("message"); // empty: taken
+        QTest::addColumn<QString>("stored");
+        QTest::newRow("retainage over 100") << u"retainage"_s << int(FT::percent) << u"150"_s
+                                            << u"Must be from 0 to 100 %. Kept 10."_s << u"10"_s;
+        QTest::newRow("retainage below 0") << u"retainage"_s << int(FT::percent) << u"-5"_s
+                                           << u"Must be from 0 to 100 %. Kept 10."_s << u"10"_s;
+        QTest::newRow("retainage taken")
+            << u"retainage"_s << int(FT::percent) << u"5"_s << QString() << u"5"_s;
+        QTest::newRow("state by name")
+            << u"state"_s << int(FT::text) << u"Colorado"_s
+            << u"Not a US state. Use its two letters, such as CO. Kept 10."_s << u"10"_s;
+        QTest::newRow("state taken") << u"state"_s << int(FT::text) << u"ca"_s << QString() << u"CA"_s;
+    }
+    void fieldRefusesInPlace()
+    {
+        QFETCH(QString, key);
+        QFETCH(int, kind);
+        QFETCH(QString, typed);
+        QFETCH(QString, message);
+        QFETCH(QString, stored);
+        DB db;
+        // The store starts at "10" for both, an odd state, so "Kept" shows what it kept.
+        QString value = u"10"_s;
+        FieldEditor editor(db, {key, u"Field"_s, FT::of(FT::Case(kind))}, TextBinding::local(&value), {},
+                           false);
+        editor.show();
+        editor.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&editor));
+        QLineEdit *box = kind == FT::text ? qobject_cast<QLineEdit *>(editor.control())
+                                          : qobject_cast<NumberField *>(editor.control())->box();
+        QVERIFY(box);
+        box->setFocus();
+        box->selectAll();
+        QTest::keyClicks(box, typed);
+        QTest::keyClick(box, Qt::Key_Return);
+        QCOMPARE(value, stored);
+        QString shown;
+        if (auto *number = qobject_cast<NumberField *>(editor.control()))
+            shown = number->error().value_or(QString());
+        else if (auto *refusal = editor.findChild<QLabel *>(u"refusal"_s); refusal && refusal->isVisible())
+            shown = refusal->text();
+        QCOMPARE(shown, message);
     }
 
     void headerMenuSaysWhatIsChosen_data()
