@@ -1,5 +1,6 @@
 #include "headerbar.h"
 
+#include "companyactions.h"
 #include "connectdialog.h"
 #include "nav.h"
 
@@ -198,6 +199,11 @@ void HeaderBar::rebuildMenus()
     }
     m_companyMenu->addSeparator();
     m_companyMenu->addAction(u"New Company…"_s, this, [this] { m_nav.setNewCompany(true); });
+    const bool some = m_db.company().has_value() && !m_db.readOnly();
+    m_companyMenu->addAction(u"Rename…"_s, this, [this] { CompanyActions::askRename(this, m_db); })
+        ->setEnabled(some);
+    m_companyMenu->addAction(u"Remove…"_s, this, [this] { CompanyActions::askRemove(this, m_db, m_nav); })
+        ->setEnabled(some);
 
     m_projectMenu->clear();
     m_projectMenu->addAction(u"All projects"_s, this, [this] { m_nav.setProjectID({}); });
