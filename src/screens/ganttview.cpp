@@ -222,6 +222,7 @@ void GanttView::refresh()
     const QHash<QString, DateSpan> dates = scheduleDates(m_db, m_project.id);
     m_canvas->setSchedule(tasks, dates, GanttRange::of(dates, m_project.f.value(u"start"), DateFmt::today()));
     m_title->setSubtitle(subtitle(m_project, dates));
+    m_dates = dates;
     m_printable->setTitle(u"Schedule "_s + m_project.f.value(u"name"));
 
     QStringList ids;
@@ -245,6 +246,8 @@ void GanttView::refresh()
             if (auto *after = m_rows[i]->findChild<FWChromeButton *>(u"after"_s))
                 showAfter(after, afterText(m_db, tasks[i]));
             nameRow(m_rows[i], tasks[i].f.value(u"name"));
+            if (auto *start = m_rows[i]->findChild<ThemedDate *>())
+                start->setWorkedOut(m_dates.value(tasks[i].id).start);
         }
     }
     m_empty->setVisible(tasks.isEmpty());
@@ -265,6 +268,7 @@ QWidget *GanttView::makeRow(const Rec &task)
     name->setFixedWidth(ui.px(kNameW));
     auto *start = new ThemedDate(bind(u"start"_s), row);
     start->setFixedWidth(startWidth());
+    start->setWorkedOut(m_dates.value(task.id).start);
     auto *days = new NumberField(bind(u"duration"_s), false, u"0"_s, row);
     days->setObjectName(u"duration"_s);
     days->setFixedWidth(ui.px(kDaysW));

@@ -80,6 +80,13 @@ void ThemedDate::setLabel(const QString &label)
     m_clear->setAccessibleName(u"Clear "_s + label);
 }
 
+void ThemedDate::setWorkedOut(const QDate &day)
+{
+    // The face says the day a person would read off the chart; a click still fixes a date.
+    m_set->setText(day.isValid() ? DateFmt::nice(day) : u"Set date"_s);
+    m_set->setToolTip(day.isValid() ? u"Worked out from what it follows; click to fix a date"_s : QString());
+}
+
 int ThemedDate::pickerWidth()
 {
     const FWUI &ui = FWUI::shared();

@@ -116,6 +116,9 @@ public:
     static int fullWidth();
     // Names the parts for a screen reader after the field's visible label.
     void setLabel(const QString &label);
+    // The day shown while nothing is stored, when one is worked out elsewhere
+    // (a task's start from its predecessors); invalid: "Set date".
+    void setWorkedOut(const QDate &day);
     // The parts, for tests and focus handling.
     FWChromeButton *setButton() const { return m_set; }
     QDateEdit *picker() const { return m_picker; }
