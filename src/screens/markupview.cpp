@@ -2,8 +2,10 @@
 
 #include "documents/pdfmarks.h"
 #include "look/fwui.h"
+#include "shell/failedwrites.h"
 #include "shell/fieldeditors.h"
 
+#include <QtCore/QFileInfo>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
@@ -69,7 +71,7 @@ MarkupView::AskNote &MarkupView::askNoteHook()
 
 MarkupView::MarkupView(const QString &path, QWidget *parent)
     : QAbstractScrollArea(parent)
-    , m_pdf(std::make_unique<PdfMarkup>(path))
+    , m_pdf(std::make_shared<PdfMarkup>(path))
 {
     setFrameShape(QFrame::NoFrame);
     FieldLook::thinScrollBar(verticalScrollBar());
@@ -366,12 +368,25 @@ void MarkupView::finishMark(int handle, int page)
 {
     if (handle > 0) {
         m_added.append({handle, page});
-        // A sheet that cannot be written keeps the mark on screen all the same.
-        m_pdf->save();
+        write();
         dropTiles(page);
         Q_EMIT marksChanged();
     }
     viewport()->update();
+}
+
+void MarkupView::write()
+{
+    // A sheet that cannot be written keeps its marks on screen and in the
+    // sheet held here, and the save banner says so until a retry writes them.
+    const QString key = u"sheet:"_s + m_pdf->path();
+    if (m_pdf->save()) {
+        FailedWrites::shared().drop(key);
+        return;
+    }
+    FailedWrites::shared().keep(
+        key, u"the plan sheet \u201C"_s + QFileInfo(m_pdf->path()).fileName() + u"\u201D cannot be written"_s,
+        [pdf = m_pdf] { return pdf->save(); });
 }
 
 bool MarkupView::undoLast()
@@ -380,7 +395,7 @@ bool MarkupView::undoLast()
         return false;
     const auto [handle, page] = m_added.takeLast();
     m_pdf->remove(handle);
-    m_pdf->save();
+    write();
     dropTiles(page);
     viewport()->update();
     Q_EMIT marksChanged();

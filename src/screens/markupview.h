@@ -12,7 +12,7 @@ class PdfMarkup;
 // A plan sheet's pages one below the other, fitted to the width and sharp at
 // every zoom, on which the user draws. Each finished mark, and each undo,
 // rewrites the sheet's file at once; a file that cannot be written keeps the
-// marks on screen until the sheet is opened again.
+// marks, and the save banner says so and keeps trying until they are written.
 class MarkupView : public QAbstractScrollArea
 {
     Q_OBJECT
@@ -80,9 +80,12 @@ private:
     std::optional<std::pair<int, QPointF>> pageAt(const QPoint &viewportPos) const;
     const QImage &tileFor(int page, const QRect &visible, double dpr);
     void finishMark(int handle, int page);
+    // Writes the sheet's file, or keeps the write for the save banner to retry.
+    void write();
     void dropTiles(int page);
 
-    std::unique_ptr<PdfMarkup> m_pdf;
+    // Shared with a write the save banner keeps trying after a failure.
+    std::shared_ptr<PdfMarkup> m_pdf;
     QString m_sheetName;
     QString m_tool = QStringLiteral("pan");
     QColor m_color = Qt::red;

@@ -1,5 +1,7 @@
 #include "savebanner.h"
 
+#include "failedwrites.h"
+
 #include "notice.h"
 
 #include "look/buttons.h"
@@ -21,8 +23,12 @@ SaveBanner::SaveBanner(DB &db, QWidget *parent)
     box->addWidget(m_notice, 1);
     // The button sits on the notice, at its right end.
     m_notice->layout()->addWidget(m_retry);
-    connect(m_retry, &QAbstractButton::clicked, this, [this] { m_db.retryUnsaved(); });
+    connect(m_retry, &QAbstractButton::clicked, this, [this] {
+        m_db.retryUnsaved();
+        FailedWrites::shared().retryAll();
+    });
     connect(&db, &DB::unsavedChanged, this, &SaveBanner::sync);
+    connect(&FailedWrites::shared(), &FailedWrites::changed, this, &SaveBanner::sync);
     auto margins = [this, box] {
         const FWUI &ui = FWUI::shared();
         box->setContentsMargins(ui.px(14), ui.px(8), ui.px(14), 0);
@@ -50,8 +56,10 @@ QString SaveBanner::text() const
 
 void SaveBanner::sync()
 {
-    const qsizetype n = m_db.unsavedCount();
+    // The store's waiting changes and the files that could not be written are one count.
+    const FailedWrites &files = FailedWrites::shared();
+    const qsizetype n = m_db.unsavedCount() + files.count();
     if (n > 0)
-        m_notice->setText(message(n, m_db.unsavedCause()));
+        m_notice->setText(message(n, m_db.unsavedCount() > 0 ? m_db.unsavedCause() : files.cause()));
     setVisible(n > 0);
 }
