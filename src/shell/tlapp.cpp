@@ -1,6 +1,7 @@
 #include "tlapp.h"
 #include "keyring.h"
 
+#include "firstrun.h"
 #include "modulearea.h"
 #include "nav.h"
 #include "singleinstance.h"
@@ -189,11 +190,14 @@ int run(int &argc, char **argv)
     // The day's snapshot holds the store as it was before this run wrote anything.
     if (app.arguments().value(1) != u"--screenshot" && db.isOpen())
         SnapshotActions::startOfDay(db);
-    ensureCompany(db);
-    Nav &nav = Nav::shared();
-
     const QStringList args = app.arguments();
     const bool screenshot = args.size() >= 2 && args.at(1) == u"--screenshot";
+    // A person's first window asks how to begin; a picture still shows the sample.
+    const bool firstRun = !screenshot && FirstRunSheet::wanted(db);
+    if (!firstRun)
+        ensureCompany(db);
+    Nav &nav = Nav::shared();
+
     ScreenshotRequest shot;
     // The look and project a screenshot changes are put back, so the user's own stay.
     const QString keptFinish = FWUI::shared().theme().id;
@@ -258,6 +262,12 @@ int run(int &argc, char **argv)
     if (shot.size.isValid())
         window.resize(shot.size);
     window.show();
+    if (firstRun)
+        QTimer::singleShot(0, &window, [&db, &nav, &window] {
+            auto *sheet = new FirstRunSheet(db, nav, &window);
+            sheet->setAttribute(Qt::WA_DeleteOnClose);
+            sheet->open();
+        });
     if (screenshot) {
         const QString file = shot.file;
         // Two turns: the first builds and lays out, the second has painted.

@@ -4,11 +4,13 @@
 
 #include "interchange/snapshots.h"
 #include "shell/companyactions.h"
+#include "shell/firstrun.h"
 #include "shell/nav.h"
 #include "store/db.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QTemporaryDir>
+#include <QtWidgets/QAbstractButton>
 
 using namespace Qt::StringLiterals;
 
@@ -119,6 +121,36 @@ private Q_SLOTS:
         QVERIFY(asked.contains(u"\u201CAcme Builders\u201D"_s));
         QVERIFY(asked.contains(u"snapshot"_s));
         QVERIFY(db.get(acme.id)); // "No" keeps it
+    }
+
+    // The first window on an empty store asks how to begin; each way leaves a company or the sheet for one.
+    void firstRunChoices_data()
+    {
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<int>("companies");
+        QTest::addColumn<bool>("newCompanySheet");
+        QTest::newRow("start my company") << u"startOwn"_s << 0 << true;
+        QTest::newRow("open the sample") << u"openSample"_s << 1 << false;
+        QTest::newRow("closed without a choice") << QString() << 0 << true;
+    }
+    void firstRunChoices()
+    {
+        QFETCH(QString, button);
+        QFETCH(int, companies);
+        QFETCH(bool, newCompanySheet);
+        DB db;
+        Nav nav;
+        QVERIFY(FirstRunSheet::wanted(db));
+        FirstRunSheet sheet(db, nav);
+        sheet.show();
+        if (button.isEmpty())
+            sheet.reject();
+        else
+            sheet.findChild<QAbstractButton *>(button)->click();
+        QCOMPARE(db.count(u"company"_s), companies);
+        QCOMPARE(nav.newCompany(), newCompanySheet);
+        QVERIFY(sheet.isHidden());
+        QCOMPARE(FirstRunSheet::wanted(db), companies == 0);
     }
 };
 
