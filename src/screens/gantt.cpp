@@ -66,6 +66,19 @@ QStringList GanttCanvas::columnTitles()
     return {u"Task"_s, u"Start"_s, u"Finish"_s, u"Duration"_s, u"Predecessor"_s, u"Lag"_s, u"Progress"_s};
 }
 
+std::pair<QPointF, bool> GanttCanvas::namePlace(int row) const
+{
+    const QRectF bar = barRect(row);
+    if (bar.isEmpty())
+        return {{}, false};
+    const FWUI &ui = FWUI::shared();
+    const QFontMetricsF fm(ui.font(GanttSize::kLabel));
+    const qreal pad = ui.s(6);
+    const bool inside = fm.horizontalAdvance(m_bars[row].name.text()) + 2 * pad <= bar.width();
+    return {QPointF(inside ? bar.left() + pad : bar.right() + pad, bar.center().y() - fm.height() / 2),
+            inside};
+}
+
 QRectF GanttCanvas::rowBand(int row) const
 {
     const FWUI &ui = FWUI::shared();
@@ -216,8 +229,9 @@ void GanttCanvas::paintEvent(QPaintEvent *e)
         p.setBrush(Qt::NoBrush);
         p.setPen(QPen(outline, 1));
         p.drawRoundedRect(bar, radius, radius);
-        p.setPen(Qt::black);
-        p.drawStaticText(QPointF(bar.left() + ui.s(6), bar.center().y() - fm.height() / 2), m_bars[r].name);
+        const auto [at, inside] = namePlace(r);
+        p.setPen(inside ? QColor(Qt::black) : theme.text);
+        p.drawStaticText(at, m_bars[r].name);
     }
 
     QColor line = theme.text;

@@ -50,6 +50,9 @@ public:
 
     // The bar of row `row` in canvas pixels at the current zoom; empty when it has no dates.
     QRectF barRect(int row) const;
+    // Where row `row`'s name starts, and whether it sits inside its bar: a name
+    // longer than its bar is written after the bar's end instead of cut.
+    std::pair<QPointF, bool> namePlace(int row) const;
     // The band of row `row` across the whole chart; -1 is the band of dates at the top.
     QRectF rowBand(int row) const;
 

@@ -32,7 +32,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Column widths of the task rows in points before zoom.
-constexpr qreal kNameW = 190, kStartW = 150, kDaysW = 50, kAfterW = 90, kProgressW = 46, kRemoveW = 24;
+constexpr qreal kNameW = 190, kStartW = 150, kDaysW = 50, kAfterW = 130, kProgressW = 46, kRemoveW = 24;
 constexpr qreal kGap = 6, kPad = 8;
 
 QStringList predIDs(const Rec &task)

@@ -199,6 +199,25 @@ private Q_SLOTS:
         QCOMPARE(pour->setButton()->text(), u"Mar 9, 2026"_s);
     }
 
+    // A name that fits its bar is written inside it; a longer one after the bar's end, never cut.
+    void barNamesAreNeverCut()
+    {
+        DB db;
+        Nav nav;
+        const Rec p = project(db);
+        const Rec dig = task(db, p, u"Dig"_s, 10, {}, 1);
+        task(db, p, u"Excavation and footings for the north wing"_s, 1, dig.id, 2);
+        nav.setProjectID(p.id);
+        ScheduleScreen screen({db, nav, *Modules::get(u"schedule")});
+        GanttCanvas *canvas = screen.view()->canvas();
+        const auto [shortAt, shortInside] = canvas->namePlace(0);
+        QVERIFY(shortInside);
+        QVERIFY(shortAt.x() > canvas->barRect(0).left() && shortAt.x() < canvas->barRect(0).right());
+        const auto [longAt, longInside] = canvas->namePlace(1);
+        QVERIFY(!longInside);
+        QVERIFY(longAt.x() > canvas->barRect(1).right());
+    }
+
     void subtitleCountsAndFinishes()
     {
         DB db;
