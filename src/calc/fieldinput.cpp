@@ -201,13 +201,44 @@ Typed pick(const Options &options, const QString &typed)
     return refused(unclear ? unclearText(typed) : choicesText(options));
 }
 
+Typed limited(const FD &fd, const Typed &read)
+{
+    if (!read.ok() || read.stored.isEmpty())
+        return read;
+    // Shares of a whole: what is kept back, done or taxed.
+    static const QStringList shares{u"retainage"_s, u"retWork"_s,  u"retMat"_s,
+                                    u"ret"_s,       u"progress"_s, u"tax"_s};
+    if (fd.type.kind == FT::number || fd.type.kind == FT::percent) {
+        const double n = RecText::parseDouble(read.stored).value_or(0);
+        if (shares.contains(fd.key) && (n < 0 || n > 100))
+            return refused(u"Must be from 0 to 100 %."_s);
+        if (fd.type.kind == FT::percent && n < 0)
+            return refused(u"Can't be below 0 %."_s);
+        return read;
+    }
+    if (fd.type.kind == FT::text && fd.key == u"state") {
+        static const QStringList states =
+            QStringLiteral("AL AK AZ AR CA CO CT DE DC FL GA HI ID IL IN IA KS KY LA ME MD MA MI "
+                           "MN MS MO MT NE NV NH NJ NM NY NC ND OH OK OR PA RI SC SD TN TX UT VT "
+                           "VA WA WV WI WY AS GU MP PR VI")
+                .split(u' ');
+        const QString code = read.stored.trimmed().toUpper();
+        if (code.isEmpty())
+            return accepted(QString());
+        if (!states.contains(code))
+            return refused(u"Not a US state. Use its two letters, such as CO."_s);
+        return accepted(code);
+    }
+    return read;
+}
+
 Typed read(const DB &db, const FD &fd, const QString &typed, const QString &project,
            const std::optional<QString> &company)
 {
     switch (fd.type.kind) {
     case FT::money: return money(typed);
     case FT::number:
-    case FT::percent: return number(typed);
+    case FT::percent: return limited(fd, number(typed));
     case FT::date: return date(typed);
     case FT::boolean: return boolean(typed);
     case FT::choice: return pick(options(db, fd, project, company), typed);
@@ -236,7 +267,7 @@ Typed read(const DB &db, const FD &fd, const QString &typed, const QString &proj
         return refused(u"No "_s + noun + u" named \u201C"_s + text + u"\u201D"_s +
                        (fd.type.kind == FT::refIn && !project.isEmpty() ? u" in this project."_s : u"."_s));
     }
-    case FT::text:
+    case FT::text: return limited(fd, accepted(typed));
     case FT::longText:
     case FT::time: return accepted(typed);
     }

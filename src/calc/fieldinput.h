@@ -45,6 +45,11 @@ Typed boolean(QStringView typed);
 // whatever its case. A label shared by several options is refused as unclear.
 Typed pick(const Options &options, const QString &typed);
 
+// What the field's own meaning allows of an accepted reading: shares
+// (retainage, progress, tax) from 0 to 100 %, no negative percentage, a US
+// state by its two letters. Anything else passes as read.
+Typed limited(const FD &fd, const Typed &read);
+
 // `typed` read as field `fd` takes it; choices and references among the
 // options above, for a record of `project` in `company`. Free text is kept as typed.
 Typed read(const DB &db, const FD &fd, const QString &typed, const QString &project,

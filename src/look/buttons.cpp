@@ -5,6 +5,7 @@
 #include "icons.h"
 #include "tones.h"
 
+#include <QtCore/QEvent>
 #include <QtGui/QPainter>
 
 FWChromeButton::FWChromeButton(const QString &text, const QString &symbol, QWidget *parent)
@@ -15,6 +16,17 @@ FWChromeButton::FWChromeButton(const QString &text, const QString &symbol, QWidg
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::TabFocus);
     Chrome::followLook(this);
+}
+
+bool FWChromeButton::event(QEvent *e)
+{
+    // A button of a symbol alone says what its tooltip says, unless named otherwise.
+    if (e->type() == QEvent::ToolTipChange && text().isEmpty() &&
+        (accessibleName().isEmpty() || accessibleName() == property("tipName").toString())) {
+        setAccessibleName(toolTip());
+        setProperty("tipName", toolTip());
+    }
+    return QAbstractButton::event(e);
 }
 
 void FWChromeButton::setSymbol(const QString &symbol)

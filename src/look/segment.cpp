@@ -66,12 +66,19 @@ void FWSegment::paintEvent(QPaintEvent *)
 void FWSegment::mousePressEvent(QMouseEvent *e)
 {
     for (int i = 0; i < m_labels.size(); ++i)
-        if (segmentRect(i).contains(e->position()) && i != m_current) {
-            m_current = i;
-            update();
-            Q_EMIT currentChanged(i);
+        if (segmentRect(i).contains(e->position())) {
+            choose(i);
             return;
         }
+}
+
+void FWSegment::choose(int index)
+{
+    if (index < 0 || index >= m_labels.size() || index == m_current)
+        return;
+    m_current = index;
+    update();
+    Q_EMIT currentChanged(index);
 }
 
 FWSwitch::FWSwitch(QWidget *parent)

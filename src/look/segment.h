@@ -11,6 +11,11 @@ public:
     int current() const { return m_current; }
     // Chooses segment `index` (ignored when out of range) without a signal.
     void setCurrent(int index);
+    // Chooses segment `index` as a click on it does, with the signal when it changes.
+    void choose(int index);
+    const QStringList &labels() const { return m_labels; }
+    // Where segment `index` is drawn, in the widget's pixels.
+    QRect segmentArea(int index) const { return segmentRect(index).toAlignedRect(); }
     QSize sizeHint() const override;
 
 Q_SIGNALS:

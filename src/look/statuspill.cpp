@@ -6,6 +6,7 @@
 
 #include "calc/datefmt.h"
 
+#include <QtGui/QAccessible>
 #include <QtGui/QPainter>
 
 using namespace Qt::StringLiterals;
@@ -22,6 +23,9 @@ void StatusPill::setText(const QString &text)
     if (text == m_text)
         return;
     m_text = text;
+    // The word is the pill's name to a reader.
+    QAccessibleEvent changed(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
     updateGeometry();
     update();
 }

@@ -64,6 +64,7 @@ BudgetScreen::BudgetScreen(const ScreenContext &ctx, QWidget *parent)
     , m_codes(new ThemedChoice(TextBinding::local(&addCode), {}, this))
     , m_add(new FWChromeButton(u"Add Budget Line"_s, u"plus"_s, this))
 {
+    m_grid->setAccessibleName(u"Budget lines"_s);
     m_tiles = addTiles({
         {u"Original contract"_s, u"doc.text.fill"_s},
         {u"Revised contract"_s, u"arrow.triangle.branch"_s},

@@ -4,6 +4,7 @@
 #include "look/chrome.h"
 #include "look/fwui.h"
 
+#include <QtGui/QAccessible>
 #include <QtGui/QLinearGradient>
 #include <QtGui/QPaintEvent>
 #include <QtGui/QPainter>
@@ -37,6 +38,43 @@ qint64 GanttRange::dayOf(const QDate &date) const
     return date.isValid() && first.isValid() ? first.daysTo(date) : 0;
 }
 
+namespace {
+// One task as a reader hears it, in the order of GanttCanvas::columnTitles().
+QStringList rowText(const Rec &t, const QList<Rec> &tasks, const QHash<QString, int> &rowOf,
+                    const DateSpan &span)
+{
+    QStringList preds;
+    for (QStringView id : QStringView(t.f.value(u"preds")).split(u',', Qt::SkipEmptyParts))
+        if (const auto row = rowOf.constFind(id.toString()); row != rowOf.constEnd())
+            preds.append(tasks.at(*row).f.value(u"name"));
+    const qint64 days = span.start.isValid() && span.finish.isValid() ? span.start.daysTo(span.finish)
+                                                                      : qint64(t.d(u"duration"));
+    const qint64 lag = qint64(t.d(u"lag"));
+    return {t.f.value(u"name").isEmpty() ? u"Untitled"_s : t.f.value(u"name"),
+            span.start.isValid() ? DateFmt::nice(span.start) : u"No date"_s,
+            // The finish as the printed schedule gives it.
+            span.finish.isValid() ? DateFmt::nice(span.finish) : u"No date"_s,
+            days == 1 ? u"1 day"_s : QString::number(days) + u" days"_s,
+            preds.isEmpty() ? u"None"_s : preds.join(u", "_s),
+            lag == 0 ? u"None"_s : QString::number(lag) + (std::abs(lag) == 1 ? u" day"_s : u" days"_s),
+            QString::number(std::lround(std::clamp(t.d(u"progress"), 0.0, 100.0))) + u'%'};
+}
+} // namespace
+
+QStringList GanttCanvas::columnTitles()
+{
+    return {u"Task"_s, u"Start"_s, u"Finish"_s, u"Duration"_s, u"Predecessor"_s, u"Lag"_s, u"Progress"_s};
+}
+
+QRectF GanttCanvas::rowBand(int row) const
+{
+    const FWUI &ui = FWUI::shared();
+    const qreal header = ui.s(GanttSize::kHeader), rowH = ui.s(GanttSize::kRow);
+    if (row < 0)
+        return {0, 0, qreal(width()), header};
+    return {0, header + row * rowH, qreal(width()), rowH};
+}
+
 GanttCanvas::GanttCanvas(QWidget *parent)
     : QWidget(parent)
 {
@@ -56,7 +94,9 @@ void GanttCanvas::setSchedule(const QList<Rec> &tasks, const QHash<QString, Date
         rowOf.insert(tasks[i].id, i);
     QList<Bar> bars;
     bars.reserve(tasks.size());
+    m_texts.clear();
     for (const Rec &t : tasks) {
+        m_texts.append(rowText(t, tasks, rowOf, dates.value(t.id)));
         Bar b;
         b.name.setText(t.f.value(u"name"));
         b.name.setTextFormat(Qt::PlainText);
@@ -78,6 +118,11 @@ void GanttCanvas::setSchedule(const QList<Rec> &tasks, const QHash<QString, Date
     const bool resized = bars.size() != m_bars.size() || range.days != m_range.days;
     m_bars = std::move(bars);
     m_range = range;
+    // A reader listening to the chart hears that its rows changed.
+    if (QAccessible::isActive()) {
+        QAccessibleTableModelChangeEvent changed(this, QAccessibleTableModelChangeEvent::ModelReset);
+        QAccessible::updateAccessibility(&changed);
+    }
     if (resized)
         updateGeometry();
     update();

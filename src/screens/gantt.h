@@ -55,6 +55,12 @@ public:
     QRectF labelRect(int row) const;
     // Whether the name of row `row` fits on its bar.
     bool labelOnBar(int row) const;
+    // The band of row `row` across the whole chart; -1 is the band of dates at the top.
+    QRectF rowBand(int row) const;
+
+    // What a screen reader reads for each row, under these column titles.
+    static QStringList columnTitles();
+    QList<QStringList> rowTexts() const { return m_texts; }
 
 protected:
     void paintEvent(QPaintEvent *e) override;
@@ -71,5 +77,6 @@ private:
         QList<int> predRows; // rows of this task's predecessors that have dates
     };
     QList<Bar> m_bars;
+    QList<QStringList> m_texts;
     GanttRange m_range;
 };

@@ -70,6 +70,24 @@ void showAfter(FWChromeButton *button, const QString &text, int width)
     button->setText(text.isEmpty() ? u"—"_s
                                    : fm.elidedText(text, Qt::ElideRight, width - 2 * ui.px(kButtonPad) - 2));
     button->setToolTip(text.isEmpty() ? u"Starts after: choose predecessors"_s : u"Starts after "_s + text);
+    // The face is elided; a reader hears the whole list.
+    button->setAccessibleName(button->toolTip());
+}
+
+// Names a row's boxes after the task, so a reader moving between rows hears whose they are.
+void nameRow(QWidget *row, const QString &task)
+{
+    const QString of = task.isEmpty() ? u" of untitled task"_s : u" of "_s + task;
+    if (auto *start = row->findChild<ThemedDate *>())
+        start->setLabel(u"Start"_s + of);
+    for (const auto &[object, name] :
+         {std::pair{u"duration"_s, u"Duration in days"_s}, std::pair{u"progress"_s, u"Progress %"_s}})
+        if (auto *box = row->findChild<NumberField *>(object)) {
+            box->setAccessibleName(name + of);
+            box->box()->setAccessibleName(name + of);
+        }
+    if (auto *remove = row->findChild<FWChromeButton *>(u"remove"_s))
+        remove->setAccessibleName(u"Remove task"_s + (task.isEmpty() ? QString() : u" "_s + task));
 }
 
 // The Start column: its set width, or wider when the zoomed font needs it to show a whole date.
@@ -224,6 +242,7 @@ void GanttView::refresh()
     const QHash<QString, DateSpan> dates = scheduleDates(m_db, m_project.id);
     m_canvas->setSchedule(tasks, dates, GanttRange::of(dates, m_project.f.value(u"start"), DateFmt::today()));
     m_title->setSubtitle(subtitle(m_project, dates));
+    m_dates = dates;
     m_printable->setTitle(u"Schedule "_s + m_project.f.value(u"name"));
 
     QStringList ids, afters;
@@ -248,6 +267,7 @@ void GanttView::refresh()
             for (QObject *child : m_rows[i]->children())
                 if (auto *r = dynamic_cast<Refreshable *>(child))
                     r->refresh();
+            nameRow(m_rows[i], tasks[i].f.value(u"name"));
         }
     }
     for (int i = 0; i < m_rows.size(); ++i) {
@@ -276,6 +296,7 @@ QWidget *GanttView::makeRow(const Rec &task)
     start->setObjectName(u"start"_s);
     start->setFixedWidth(startWidth());
     auto *days = new NumberField(bind(u"duration"_s), false, u"0"_s, row);
+    days->setObjectName(u"duration"_s);
     days->setFixedWidth(ui.px(kDaysW));
     auto *after = new FWChromeButton(QString(), QString(), row);
     after->setObjectName(u"after"_s);
@@ -286,11 +307,14 @@ QWidget *GanttView::makeRow(const Rec &task)
             menu->exec(after->mapToGlobal(QPoint(0, after->height())));
     });
     auto *progress = new NumberField(bind(u"progress"_s), false, u"0"_s, row);
+    progress->setObjectName(u"progress"_s);
     progress->setFixedWidth(ui.px(kProgressW));
     auto *remove = new FWChromeButton(QString(), u"minus.circle.fill"_s, row);
     remove->setCompact(true);
     remove->setFixedWidth(ui.px(kRemoveW));
     remove->setToolTip(u"Remove task"_s);
+    remove->setObjectName(u"remove"_s);
+    nameRow(row, task.f.value(u"name"));
     connect(remove, &QAbstractButton::clicked, this, [this, id = task.id] { m_db.remove(id); });
 
     for (QWidget *w :

@@ -74,4 +74,5 @@ private:
     GanttCanvas *m_canvas;
     QList<QWidget *> m_rows;
     QStringList m_rowIDs;
+    QHash<QString, DateSpan> m_dates; // the worked-out dates of the last refresh
 };

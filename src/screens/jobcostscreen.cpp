@@ -65,6 +65,7 @@ JobCostScreen::JobCostScreen(const ScreenContext &ctx, QWidget *parent)
                     new PrintButton(printJob(ctx.db, {})), parent)
     , m_grid(new MoneyGrid(head(), this))
 {
+    m_grid->setAccessibleName(u"Job cost by code"_s);
     m_tiles = addTiles({{u"Revised budget"_s, u"chart.bar"_s},
                         {u"Committed"_s, u"cart"_s},
                         {u"Actual cost"_s, u"creditcard"_s},

@@ -3,6 +3,7 @@
 #include "look/fwui.h"
 #include "look/icons.h"
 
+#include <QtGui/QAccessible>
 #include <QtGui/QPainter>
 
 #include <algorithm>
@@ -26,6 +27,9 @@ void KPITile::setValue(const QString &value)
         return;
     m_value = value;
     setAccessibleDescription(value);
+    // A reader on the tile hears the new figure, which is part of its name.
+    QAccessibleEvent changed(this, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&changed);
     update();
 }
 
@@ -116,6 +120,8 @@ void GlowBar::setFraction(double fraction)
     if (fraction == m_fraction)
         return;
     m_fraction = fraction;
+    QAccessibleValueChangeEvent changed(this, fraction * 100);
+    QAccessible::updateAccessibility(&changed);
     update();
 }
 

@@ -5,6 +5,7 @@
 #include "shell/fieldeditors.h"
 #include "store/filewrites.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtGui/QMouseEvent>
@@ -132,8 +133,10 @@ void MarkupView::write()
     FileWrites::shared().failed(
         m_file, writeCause(m_file),
         [pdf = m_pdf, path = m_file] {
-            // A sheet deleted meanwhile has nothing left to keep.
-            return !QFileInfo::exists(path) || pdf->save();
+            // A sheet deleted meanwhile has nothing left to keep; a folder gone
+            // (a drive not mounted) is not a deletion, so the marks wait for it.
+            const QFileInfo info(path);
+            return (info.dir().exists() && !info.exists()) || pdf->save();
         },
         [pdf = m_pdf](const QString &to) { return pdf->saveAs(to); });
 }

@@ -26,6 +26,9 @@ public:
 
     bool isValid() const;
     int pageCount() const;
+    // What the sheet is called to a screen reader (its number and title).
+    void setSheetName(const QString &name) { m_sheetName = name; }
+    QString sheetName() const { return m_sheetName; }
     void setTool(const QString &tool);
     QString tool() const { return m_tool; }
     void setMarkColor(const QColor &color) { m_color = color; }
@@ -84,6 +87,7 @@ private:
 
     QString m_file;
     std::shared_ptr<PdfMarkup> m_pdf;
+    QString m_sheetName;
     QString m_tool = QStringLiteral("pan");
     QColor m_color = Qt::red;
     double m_zoom = 1;

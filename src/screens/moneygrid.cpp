@@ -21,6 +21,7 @@
 
 #include <QtGui/QPainter>
 #include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QScrollArea>
 #include <QtWidgets/QStackedLayout>
 
@@ -186,6 +187,33 @@ void MoneyGrid::sync(const QStringList &keys, const Maker &make)
         m_rows->addWidget(m_rowWidgets.value(key));
     m_order = keys;
     restyle();
+    nameInputs();
+}
+
+QString MoneyGrid::rowName(const QString &key) const
+{
+    QStringList words;
+    const Cells cells = m_cells.value(key);
+    for (qsizetype i = 0; i < cells.size() && i < m_head.size() && !m_head.at(i).right; ++i)
+        if (auto *label = qobject_cast<QLabel *>(cells.at(i)); label && !label->text().isEmpty())
+            words << label->text();
+    return words.join(u' ');
+}
+
+void MoneyGrid::nameInputs()
+{
+    for (const QString &key : std::as_const(m_order)) {
+        const Cells cells = m_cells.value(key);
+        const QString row = rowName(key);
+        for (qsizetype i = 0; i < cells.size() && i < m_head.size(); ++i) {
+            if (qobject_cast<QLabel *>(cells.at(i)))
+                continue;
+            const QString name = row.isEmpty() ? m_head.at(i).title : m_head.at(i).title + u", "_s + row;
+            cells.at(i)->setAccessibleName(name);
+            for (QWidget *input : cells.at(i)->findChildren<QLineEdit *>())
+                input->setAccessibleName(name);
+        }
+    }
 }
 
 void MoneyGrid::restyle()

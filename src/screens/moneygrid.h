@@ -80,6 +80,11 @@ public:
         return col < c.size() ? qobject_cast<T *>(c.at(col)) : nullptr;
     }
     QStringList keys() const { return m_order; }
+    // Names each box typed in after its column and its row's first words, for a
+    // screen reader; called again when those words change.
+    void nameInputs();
+    // What the row `key` is called: the words of its text columns before its figures.
+    QString rowName(const QString &key) const;
     const GridHead &head() const { return m_head; }
 
     // A plain text cell of a row: plain text, elided to its column, bold for totals.

@@ -63,6 +63,25 @@ QLabel *pctCell(QWidget *row, bool bold)
     return l;
 }
 
+// A line billed past its scheduled value stays allowed (filling to 100 % and
+// change orders rely on it) but its percentage shows in the warning colour
+// with a note saying so.
+void markPast(QLabel *pct, bool past, const QString &item)
+{
+    const QString note = past ? u"Line "_s + item + u" is billed past its scheduled value."_s : QString();
+    if (pct->toolTip() == note && pct->property("past").toBool() == past)
+        return;
+    pct->setProperty("past", past);
+    pct->setToolTip(note);
+    pct->setAccessibleDescription(note);
+    QFont f = pct->font();
+    f.setBold(past);
+    pct->setFont(f);
+    QPalette p = pct->palette();
+    p.setColor(QPalette::WindowText, past ? Notice::orange() : FWUI::shared().theme().text);
+    pct->setPalette(p);
+}
+
 // The first pay line of the application for the schedule line, as setPayLine finds it.
 const Rec *payLineOf(const DB &db, const QString &payAppId, const QString &sovId)
 {
@@ -93,6 +112,7 @@ PayAppDetail::PayAppDetail(DB &db, Nav &nav, const QString &payAppId, QWidget *p
     , m_unconditional(
           new FWChromeButton(QString::fromUtf16(PayAppText::kUnconditionalWaiver), u"signature"_s, this))
 {
+    m_sheet->setAccessibleName(u"G703 continuation sheet"_s);
     auto field = [&](const FD &fd) {
         auto *e = new FieldEditor(db, fd, TextBinding::of(recBinding(db, payAppId, fd.key)), QString(), false,
                                   this);
@@ -357,10 +377,13 @@ void PayAppDetail::refresh()
         fill(sov.id, sov.f.value(u"item"), sov.f.value(u"description"), r.line.scheduled, r.line.previous,
              std::nullopt, r.completed, QString::asprintf("%.1f%%", r.pct), r.balance,
              Money::add(r.retWork, r.retMat));
+        markPast(m_sheet->cell<QLabel>(sov.id, PctCol),
+                 r.line.scheduled >= 0 && r.completed > r.line.scheduled, sov.f.value(u"item"));
     }
     const Calc::PayTotals &t = data.calc.totals;
     fill(totalKey(), QString(), u"TOTAL"_s, t.scheduled, t.previous, std::pair{t.thisPeriod, t.stored},
          t.completed, QString(), t.balance, Money::add(t.retWork, t.retMat));
+    m_sheet->nameInputs();
 
     const QList<qint64> values = g702Values(data.calc.g702);
     for (qsizetype i = 0; i < values.size(); ++i)

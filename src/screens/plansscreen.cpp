@@ -281,6 +281,7 @@ void PlansScreen::rebuild()
         m_caption = new FWCaption(QString(), left);
         leftBox->addWidget(m_caption);
         m_list = new QListWidget(left);
+        m_list->setAccessibleName(u"Sheets"_s);
         m_list->setFrameShape(QFrame::NoFrame);
         m_list->setSelectionMode(QAbstractItemView::SingleSelection);
         m_list->setStyleSheet(

@@ -155,6 +155,7 @@ void PlansScreen::showSheet(const std::optional<Rec> &sheet)
     } else {
         m_view = new MarkupView(m_db.fileURL(sheet->f.value(u"file"), sheet->company), m_viewerBody);
     }
+    m_view->setSheetName(sheet->f.value(u"number") + u' ' + sheet->f.value(u"title"));
     m_view->setTool(m_tool);
     for (const auto &[name, color] : colors())
         if (name == m_colorName)

@@ -1,6 +1,7 @@
 #include "screens.h"
 
 #include "about.h"
+#include "accessible.h"
 #include "documentpanel.h"
 #include "hubscreens.h"
 #include "moneygrid.h"
@@ -25,6 +26,7 @@ void registerHelpAndDocuments()
 
 void registerAll()
 {
+    ScreenAccess::install();
     RecordScreen::registerGeneric();
     registerMoneyScreens();
     registerHelpAndDocuments();

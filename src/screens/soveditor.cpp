@@ -38,6 +38,7 @@ SOVEditor::SOVEditor(DB &db, const QString &projectId, QWidget *parent)
     , m_grid(new MoneyGrid(head(), this))
     , m_add(new FWChromeButton(u"Add Line"_s, u"plus"_s, this))
 {
+    m_grid->setAccessibleName(u"Schedule of values"_s);
     auto *outer = new QVBoxLayout(this);
     outer->setContentsMargins(0, 0, 0, 0);
     auto *panel = new FWPanel(this);

@@ -50,10 +50,25 @@ public:
                     QWidget *parent = nullptr);
     // Takes the bound text unless the user is typing here.
     void refresh() override;
+    // What the box may hold: a text it refuses is never stored, and when the
+    // user leaves the box on one, the box and the store go back to the text it
+    // had when the user came in (a state's "Co" on the way to "Colorado" is no
+    // answer) and says why.
+    using Check = std::function<std::pair<bool, QString>(const QString &typed, QString *stored)>;
+    void setCheck(Check check) { m_check = std::move(check); }
+
+Q_SIGNALS:
+    // The user left the box on a text it refuses; `message` says why and what was kept.
+    void refused(const QString &message);
+
+protected:
+    void focusInEvent(QFocusEvent *e) override;
 
 private:
     TextBinding m_value;
     bool m_mono;
+    Check m_check;
+    QString m_original;
 };
 
 // A text box of several lines; line breaks are kept.
@@ -105,6 +120,8 @@ public:
     static int pickerWidth();
     // The picker with its clear button: what a column of fixed width must allow.
     static int fullWidth();
+    // Names the parts for a screen reader after the field's visible label.
+    void setLabel(const QString &label);
     // The parts, for tests and focus handling.
     FWChromeButton *setButton() const { return m_set; }
     QDateEdit *picker() const { return m_picker; }
@@ -133,11 +150,16 @@ public:
     void refresh() override;
     // The input control made for the field.
     QWidget *control() const { return m_control; }
+    // The label shown beside the control, which a screen reader says for it
+    // (the field's own label until a form shows another).
+    void setLabel(const QString &label);
     void setProject(const QString &project);
 
 private:
+    void showRefusal(const QString &message);
     DB &m_db;
     FD m_fd;
+    class QLabel *m_refusal = nullptr;
     TextBinding m_value;
     QString m_project;
     QWidget *m_control = nullptr;

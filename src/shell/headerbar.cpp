@@ -1,5 +1,6 @@
 #include "headerbar.h"
 
+#include "companyactions.h"
 #include "connectdialog.h"
 #include "nav.h"
 
@@ -26,7 +27,7 @@ HeaderMenuButton::HeaderMenuButton(const QString &caption, const QString &symbol
     , m_symbol(symbol)
     , m_menu(menu)
 {
-    setAccessibleName(caption);
+    nameForReader();
     setCursor(Qt::PointingHandCursor);
     // The value is elided, so at large zooms the menus give up width rather than widen the window.
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -42,7 +43,7 @@ void HeaderMenuButton::setCaption(const QString &caption)
     if (caption == m_caption)
         return;
     m_caption = caption;
-    setAccessibleName(caption);
+    nameForReader();
     updateGeometry();
     update();
 }
@@ -52,8 +53,15 @@ void HeaderMenuButton::setValue(const QString &value)
     if (value == text())
         return;
     setText(value);
+    nameForReader();
     updateGeometry();
     update();
+}
+
+void HeaderMenuButton::nameForReader()
+{
+    // The face may elide the value; a reader hears what is chosen in full.
+    setAccessibleName(text().isEmpty() ? m_caption : m_caption + u": "_s + text());
 }
 
 void HeaderMenuButton::setCompact(bool compact)
@@ -191,6 +199,11 @@ void HeaderBar::rebuildMenus()
     }
     m_companyMenu->addSeparator();
     m_companyMenu->addAction(u"New Company…"_s, this, [this] { m_nav.setNewCompany(true); });
+    const bool some = m_db.company().has_value() && !m_db.readOnly();
+    m_companyMenu->addAction(u"Rename…"_s, this, [this] { CompanyActions::askRename(this, m_db); })
+        ->setEnabled(some);
+    m_companyMenu->addAction(u"Remove…"_s, this, [this] { CompanyActions::askRemove(this, m_db, m_nav); })
+        ->setEnabled(some);
 
     m_projectMenu->clear();
     m_projectMenu->addAction(u"All projects"_s, this, [this] { m_nav.setProjectID({}); });

@@ -29,6 +29,7 @@ protected:
     void paintEvent(QPaintEvent *) override;
 
 private:
+    void nameForReader();
     QString m_caption;
     QString m_symbol;
     QMenu *m_menu;

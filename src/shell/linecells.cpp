@@ -248,6 +248,11 @@ QVariant LinesModel::data(const QModelIndex &index, int role) const
         return {};
     case Qt::ToolTipRole:
         return index.column() == removeColumn() ? QVariant(u"Remove line"_s) : QVariant(display(index));
+    case Qt::AccessibleTextRole:
+        // The remove column draws only a symbol; a reader hears which line it takes away.
+        if (index.column() == removeColumn())
+            return QVariant(u"Remove line "_s + QString::number(index.row() + 1));
+        return {};
     case Qt::TextAlignmentRole: {
         const FD *fd = fieldAt(index.column());
         const bool right = index.column() == amountColumn() || (fd && isNumeric(*fd));

@@ -364,6 +364,7 @@ LinesEditor::LinesEditor(DB &db, const QString &parentId, const QString &kind, c
     heading->addWidget(m_add);
     col->addLayout(heading);
     col->addWidget(m_empty);
+    m_grid->setAccessibleName(u"Lines"_s);
     col->addWidget(m_grid);
     m_add->setObjectName(u"add"_s);
     connect(m_add, &QAbstractButton::clicked, this, &LinesEditor::add);

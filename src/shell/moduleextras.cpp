@@ -191,6 +191,8 @@ AssemblyAdder::AssemblyAdder(DB &db, const QString &estimateId, QWidget *parent)
     m_assembly->setPlaceholderText(u"Choose…"_s);
     m_qty->setObjectName(u"qty"_s);
     m_qty->setPlaceholderText(u"Qty"_s);
+    m_assembly->setAccessibleName(u"Assembly to add"_s);
+    m_qty->setAccessibleName(u"Quantity of the assembly"_s);
     add->setObjectName(u"addAssembly"_s);
     hint->setWordWrap(true);
     connect(add, &QAbstractButton::clicked, this, &AssemblyAdder::addChosen);

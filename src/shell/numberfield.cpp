@@ -49,7 +49,7 @@ NumberField::NumberField(const TextBinding &value, bool money, const QString &pl
     // with display() never reaches the store.
     connect(m_box, &QLineEdit::textEdited, this, &NumberField::edited);
     connect(m_box, &QLineEdit::returnPressed, this, [this] {
-        if (m_money && m_error)
+        if (m_error)
             m_box->setText(display());
     });
     restyle();
@@ -67,13 +67,12 @@ QString NumberField::display() const
 void NumberField::edited(const QString &text)
 {
     const QString stored = m_value.get();
-    const FieldInput::Typed read = m_money ? FieldInput::money(text) : FieldInput::number(text);
+    FieldInput::Typed read = m_money ? FieldInput::money(text) : FieldInput::number(text);
     // A number half typed ("1e", "-") keeps the last one read, without a message.
-    if (!m_money) {
-        if (read.ok() && read.stored != stored)
-            m_value.set(read.stored);
+    if (!m_money && !read.ok())
         return;
-    }
+    if (read.ok() && m_limit)
+        read = m_limit(read);
     if (read.ok()) {
         setError(std::nullopt);
         if (read.stored != stored)
@@ -82,14 +81,15 @@ void NumberField::edited(const QString &text)
     }
     if (stored != m_original)
         m_value.set(m_original);
-    const QString kept =
-        m_original.isEmpty() ? u"blank"_s : Money::fmt(RecText::parseInt(m_original).value_or(0), true);
+    const QString kept = m_original.isEmpty() ? u"blank"_s
+                         : m_money            ? Money::fmt(RecText::parseInt(m_original).value_or(0), true)
+                                              : m_original;
     setError(read.error + u" Kept "_s + kept + u'.');
 }
 
 bool NumberField::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_box && m_money) {
+    if (watched == m_box && (m_money || m_limit)) {
         if (event->type() == QEvent::FocusIn) {
             m_original = m_value.get();
         } else if (event->type() == QEvent::FocusOut) {

@@ -1,6 +1,8 @@
 #pragma once
 #include "fieldeditors.h"
 
+#include "calc/fieldinput.h"
+
 #include <optional>
 
 class QLabel;
@@ -22,6 +24,10 @@ public:
     std::optional<QString> error() const { return m_error; }
     // What the box shows when the user is not typing: cents as 1,234.56, others as stored.
     QString display() const;
+    // What the field allows of a number read from typing (FieldInput::limited for
+    // its definition); a number it refuses is said under the box and not stored.
+    using Limit = std::function<FieldInput::Typed(const FieldInput::Typed &)>;
+    void setLimit(Limit limit) { m_limit = std::move(limit); }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -39,4 +45,5 @@ private:
     QLabel *m_errorText;
     std::optional<QString> m_error;
     QString m_original; // the value when the box took focus: what a bad entry keeps
+    Limit m_limit;
 };

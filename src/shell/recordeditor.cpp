@@ -115,6 +115,7 @@ RecordEditor::RecordEditor(DB &db, Nav &nav, const ModuleDef &m, const QString &
                                 m_db.save(*r);
                             }};
         m_project = new ThemedChoice(binding, {}, m_content);
+        m_project->setAccessibleName(u"Project"_s);
         auto *row = new QVBoxLayout;
         row->setSpacing(3);
         row->addWidget(new FWCaption(u"Project"_s, m_content));

@@ -68,6 +68,7 @@ RecordScreen::RecordScreen(const ScreenContext &ctx, QWidget *parent)
     m_model = new RecordListModel(m_db, m_m, this);
     auto *view = new RecordListView(well);
     m_list = view;
+    m_list->setAccessibleName(m_m.title);
     m_list->setModel(m_model);
     m_stack->addWidget(m_list);
     m_emptyHolder = new QWidget(well);

@@ -3,6 +3,7 @@
 #include "nav.h"
 
 #include "calc/datefmt.h"
+#include "calc/fieldinput.h"
 #include "calc/money.h"
 #include "catalog/modules.h"
 #include "look/buttons.h"
@@ -72,6 +73,29 @@ QLineEdit *input(QDialog *d, const QString &name, const QString &placeholder)
     return e;
 }
 
+// Where a sheet says what it refused: under the form, wrapping, in the error colour.
+QLabel *problemRow(QDialog *d, QFormLayout *form)
+{
+    auto *l = new QLabel(d);
+    l->setObjectName(u"problem"_s);
+    l->setWordWrap(true);
+    l->setFont(FWUI::shared().font(12));
+    QPalette p = l->palette();
+    p.setColor(QPalette::WindowText, QColor(0xFF, 0x3B, 0x30));
+    l->setPalette(p);
+    l->hide();
+    form->addRow(l);
+    return l;
+}
+
+void say(QLabel *problem, QLineEdit *where, const QString &text)
+{
+    problem->setText(text);
+    problem->show();
+    where->setFocus();
+    where->selectAll();
+}
+
 } // namespace
 
 NewProjectSheet::NewProjectSheet(DB &db, Nav &nav, QWidget *parent)
@@ -91,12 +115,18 @@ NewProjectSheet::NewProjectSheet(DB &db, Nav &nav, QWidget *parent)
     form->addRow(u"Project name"_s, m_name);
     form->addRow(u"Type"_s, m_type);
     form->addRow(u"Original contract"_s, m_contract);
+    m_problem = problemRow(this, form);
 }
 
 void NewProjectSheet::create()
 {
     const QString name = m_name->text();
-    const MoneyParse contract = Money::parseChecked(m_contract->text());
+    const MoneyParse contract =
+        m_contract->text().trimmed().isEmpty() ? MoneyParse{} : Money::parseChecked(m_contract->text());
+    if (!m_contract->text().trimmed().isEmpty() && !contract.ok()) {
+        say(m_problem, m_contract, u"The original contract: "_s + Money::message(*contract.error));
+        return;
+    }
     Fields f;
     f.insert(u"name"_s, name.isEmpty() ? u"New Project"_s : name);
     f.insert(u"type"_s, m_type->currentText());
@@ -119,20 +149,31 @@ NewCompanySheet::NewCompanySheet(DB &db, Nav &nav, QWidget *parent)
     , m_nav(nav)
     , m_name(input(this, u"name"_s, u"Your company"_s))
     , m_owner(input(this, u"owner"_s, u"Your name"_s))
+    , m_state(input(this, u"state"_s, u"Two letters, such as CO"_s))
 {
     QFormLayout *form = frame(this, u"New Company"_s,
                               u"Each company keeps its own projects, contacts, team and cost codes."_s,
                               u"Create Company"_s, [this] { create(); });
     form->addRow(u"Company name"_s, m_name);
     form->addRow(u"Your name (owner)"_s, m_owner);
+    form->addRow(u"State (2 letters)"_s, m_state);
+    m_problem = problemRow(this, form);
 }
 
 void NewCompanySheet::create()
 {
-    const QString name = m_name->text();
-    const QString owner = m_owner->text();
-    m_db.createCompany(name.isEmpty() ? u"My Company"_s : name, owner.isEmpty() ? u"Owner"_s : owner,
-                       u"CO"_s);
+    const QString name = m_name->text().simplified();
+    const QString owner = m_owner->text().simplified();
+    const FieldInput::Typed state =
+        FieldInput::limited({u"state"_s, u"State"_s, FT::of(FT::text)}, {m_state->text(), {}});
+    if (name.isEmpty())
+        return say(m_problem, m_name, u"Give the company its name."_s);
+    if (owner.isEmpty())
+        return say(m_problem, m_owner, u"Give the owner's name: the first user, who can do everything."_s);
+    if (!state.ok() || state.stored.isEmpty())
+        return say(m_problem, m_state,
+                   state.ok() ? u"Give the state the company works in, as its two letters."_s : state.error);
+    m_db.createCompany(name, owner, state.stored);
     m_nav.setProjectID({});
     m_nav.setModule(u"hub"_s);
     accept();

@@ -4,10 +4,11 @@
 class DB;
 class Nav;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 
-// The sheet that creates a project. Nothing is refused: empty or bad input
-// falls back to a default, so "Create Project" always creates one.
+// The sheet that creates a project. An empty name becomes "New Project"; a
+// contract that is not an amount is refused with a message in the sheet.
 class NewProjectSheet : public QDialog
 {
     Q_OBJECT
@@ -22,6 +23,7 @@ private:
     QLineEdit *m_name;
     QComboBox *m_type;
     QLineEdit *m_contract;
+    QLabel *m_problem;
 };
 
 // The sheet that creates a company with its owner and makes it current.
@@ -30,7 +32,8 @@ class NewCompanySheet : public QDialog
     Q_OBJECT
 public:
     NewCompanySheet(DB &db, Nav &nav, QWidget *parent = nullptr);
-    // Creates the company from the inputs, goes to the hub and closes.
+    // Creates the company from the inputs, goes to the hub and closes; a
+    // missing name or owner, or a state that is not one, is said in the sheet.
     void create();
 
 private:
@@ -38,4 +41,6 @@ private:
     Nav &m_nav;
     QLineEdit *m_name;
     QLineEdit *m_owner;
+    QLineEdit *m_state;
+    QLabel *m_problem;
 };

@@ -1,6 +1,7 @@
 #include "tlapp.h"
 #include "keyring.h"
 
+#include "firstrun.h"
 #include "modulearea.h"
 #include "nav.h"
 #include "singleinstance.h"
@@ -31,7 +32,7 @@ namespace TLApp {
 
 bool wantsWindow(int argc, char **argv)
 {
-    return argc == 1 || std::strcmp(argv[1], "--screenshot") == 0;
+    return argc == 1 || std::strcmp(argv[1], "--screenshot") == 0 || std::strcmp(argv[1], "--open") == 0;
 }
 
 std::function<void()> &helpPagesHook()
@@ -44,6 +45,12 @@ std::function<void(QWidget *, const QString &)> &helpWindowHook()
 {
     static std::function<void(QWidget *, const QString &)> hook;
     return hook;
+}
+
+QList<std::function<void()>> &appReadyHooks()
+{
+    static QList<std::function<void()>> hooks;
+    return hooks;
 }
 
 void showHelp(QWidget *parent, const QString &pageId)
@@ -155,6 +162,8 @@ int run(int &argc, char **argv)
     // The id names the installed .desktop file: Wayland finds the window's icon and menu entry by it.
     QGuiApplication::setDesktopFileName(u"com.fenwright.Trestle"_s);
     QApplication::setWindowIcon(QIcon(u":/com.fenwright.Trestle.svg"_s));
+    for (const std::function<void()> &ready : std::as_const(appReadyHooks()))
+        ready();
     // One window per data folder: a second start brings the first to the front.
     SingleInstance single(DB::appFolder());
     QString claimMessage;
@@ -181,11 +190,14 @@ int run(int &argc, char **argv)
     // The day's snapshot holds the store as it was before this run wrote anything.
     if (app.arguments().value(1) != u"--screenshot" && db.isOpen())
         SnapshotActions::startOfDay(db);
-    ensureCompany(db);
-    Nav &nav = Nav::shared();
-
     const QStringList args = app.arguments();
     const bool screenshot = args.size() >= 2 && args.at(1) == u"--screenshot";
+    // A person's first window asks how to begin; a picture still shows the sample.
+    const bool firstRun = !screenshot && FirstRunSheet::wanted(db);
+    if (!firstRun)
+        ensureCompany(db);
+    Nav &nav = Nav::shared();
+
     ScreenshotRequest shot;
     // The look and project a screenshot changes are put back, so the user's own stay.
     const QString keptFinish = FWUI::shared().theme().id;
@@ -218,11 +230,44 @@ int run(int &argc, char **argv)
             FWUI::shared().setZoom(*shot.zoom);
     }
 
+    // Opening at a screen: a record of the module, or the project a project's screen shows.
+    if (args.value(1) == u"--open") {
+        const ModuleDef *m = Modules::get(args.value(2));
+        if (!m || args.size() > 4) {
+            QTextStream(stderr) << u"Usage: --open MODULE [RECORD or PROJECT NUMBER]"_s << Qt::endl;
+            return 2;
+        }
+        nav.setModule(m->id);
+        if (const QString which = args.value(3); !which.isEmpty()) {
+            const QString recordId = findRecord(db, *m, which);
+            const QString projectId =
+                recordId.isEmpty() ? findRecord(db, *Modules::get(u"projects"_s), which) : QString();
+            if (recordId.isEmpty() && projectId.isEmpty()) {
+                QTextStream(stderr) << u"No record or project "
+                                       "_s + which + u"
+                                       " for "_s +
+                                           m->title + u'.'
+                                    << Qt::endl;
+                return 2;
+            }
+            const Rec *rec = db.find(recordId.isEmpty() ? projectId : recordId);
+            nav.setProjectID(rec->kind == u"project" ? rec->id : rec->project);
+            if (!recordId.isEmpty())
+                nav.setSelected(m->id, recordId);
+        }
+    }
+
     TLWindow window(db, nav);
     QObject::connect(&single, &SingleInstance::raiseRequested, &window, &TLWindow::bringToFront);
     if (shot.size.isValid())
         window.resize(shot.size);
     window.show();
+    if (firstRun)
+        QTimer::singleShot(0, &window, [&db, &nav, &window] {
+            auto *sheet = new FirstRunSheet(db, nav, &window);
+            sheet->setAttribute(Qt::WA_DeleteOnClose);
+            sheet->open();
+        });
     if (screenshot) {
         const QString file = shot.file;
         // Two turns: the first builds and lays out, the second has painted.

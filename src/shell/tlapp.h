@@ -1,4 +1,5 @@
 #pragma once
+#include <QtCore/QList>
 #include <QtCore/QSize>
 #include <QtCore/QStringList>
 
@@ -47,4 +48,7 @@ void showHelp(QWidget *parent, const QString &pageId = {});
 std::function<void()> &helpPagesHook();
 // Shows the help window; set by the help layer.
 std::function<void(QWidget *, const QString &pageId)> &helpWindowHook();
+// Run once the application object exists, before the window is made: what
+// must come after the toolkit's own set-up (the screens' accessibility).
+QList<std::function<void()>> &appReadyHooks();
 } // namespace TLApp

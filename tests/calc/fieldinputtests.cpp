@@ -189,6 +189,32 @@ private Q_SLOTS:
                                      << QString();
         QTest::newRow("free text kept as typed") << u"cos"_s << u"title"_s << false << u"  Extra  footing "_s
                                                  << u"  Extra  footing "_s << QString();
+        // What a field's meaning allows: shares of a whole, percentages, a state's letters.
+        const QString share = u"Must be from 0 to 100 %."_s;
+        QTest::newRow("retainage in range")
+            << u"projects"_s << u"retainage"_s << false << u"10%"_s << u"10"_s << QString();
+        QTest::newRow("retainage at 100")
+            << u"projects"_s << u"retainage"_s << false << u"100"_s << u"100"_s << QString();
+        QTest::newRow("retainage over 100")
+            << u"projects"_s << u"retainage"_s << false << u"150"_s << QString() << share;
+        QTest::newRow("retainage below 0")
+            << u"projects"_s << u"retainage"_s << false << u"-5"_s << QString() << share;
+        QTest::newRow("retainage cleared")
+            << u"projects"_s << u"retainage"_s << false << QString() << QString() << QString();
+        QTest::newRow("markup over 100 is a markup")
+            << u"estimates"_s << u"markup"_s << false << u"150"_s << u"150"_s << QString();
+        QTest::newRow("markup below 0")
+            << u"estimates"_s << u"markup"_s << false << u"-1"_s << QString() << u"Can't be below 0 %."_s;
+        const QString notState = u"Not a US state. Use its two letters, such as CO."_s;
+        QTest::newRow("state") << u"projects"_s << u"state"_s << false << u"CO"_s << u"CO"_s << QString();
+        QTest::newRow("state in lower case")
+            << u"projects"_s << u"state"_s << false << u" co "_s << u"CO"_s << QString();
+        QTest::newRow("state by its name")
+            << u"projects"_s << u"state"_s << false << u"Colorado"_s << QString() << notState;
+        QTest::newRow("state not a state")
+            << u"projects"_s << u"state"_s << false << u"XX"_s << QString() << notState;
+        QTest::newRow("state cleared")
+            << u"projects"_s << u"state"_s << false << QString() << QString() << QString();
     }
     void read()
     {

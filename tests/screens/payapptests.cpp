@@ -242,6 +242,43 @@ private Q_SLOTS:
         QVERIFY(d->box(s.sov[0].id, u"stored"_s)->isEnabled());
     }
 
+    // Past its scheduled value a line is still billed, its percentage in the
+    // warning colour with a note; at or under it, nothing is said.
+    void billedPastScheduledIsWarned_data()
+    {
+        QTest::addColumn<qint64>("thisPeriod");
+        QTest::addColumn<qint64>("stored");
+        QTest::addColumn<QString>("pct");
+        QTest::addColumn<bool>("past");
+        QTest::newRow("under") << qint64(50000) << qint64(0) << u"50.0%"_s << false;
+        QTest::newRow("exactly full") << qint64(90000) << qint64(10000) << u"100.0%"_s << false;
+        QTest::newRow("past by a cent") << qint64(100001) << qint64(0) << u"100.0%"_s << true;
+        QTest::newRow("past with stored material") << qint64(100000) << qint64(17500) << u"117.5%"_s << true;
+    }
+    void billedPastScheduledIsWarned()
+    {
+        QFETCH(qint64, thisPeriod);
+        QFETCH(qint64, stored);
+        QFETCH(QString, pct);
+        QFETCH(bool, past);
+        Shop s;
+        const Rec app = s.app(1);
+        s.bill(app, 0, thisPeriod, stored);
+        auto screen = s.screen();
+        auto *cell = screen->detail()->sheet()->cell<QLabel>(s.sov[0].id, 7);
+        QVERIFY(cell);
+        QCOMPARE(cell->text(), pct);
+        QCOMPARE(cell->toolTip(), past ? u"Line 1 is billed past its scheduled value."_s : QString());
+        QCOMPARE(cell->palette().color(QPalette::WindowText) == Notice::orange(), past);
+        // The amount stays as billed.
+        QCOMPARE(s.db.list(u"pay_line"_s, {.parent = app.id}).value(0).f.value(u"thisPeriod"),
+                 QString::number(thisPeriod));
+        // Brought back under, the warning goes.
+        s.bill(app, 0, 1000, 0);
+        screen->refresh();
+        QCOMPARE(cell->toolTip(), QString());
+    }
+
     void typingThisPeriodStores()
     {
         Shop s;

@@ -13,10 +13,14 @@
 #include "screens/plansscreen.h"
 #include "shell/nav.h"
 #include "shell/notice.h"
+#include "shell/savebanner.h"
 #include "store/db.h"
+#include "store/filewrites.h"
 
 #include <QtCore/QCryptographicHash>
+#include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QMouseEvent>
 #include <QtGui/QPainter>
@@ -347,6 +351,35 @@ private Q_SLOTS:
         QCOMPARE(s->tool(), u"text"_s);
         QCOMPARE(s->viewer()->tool(), u"text"_s);
         QCOMPARE(s->colorName(), u"Blue"_s);
+    }
+
+    // A mark the sheet's file cannot take is kept and said by the save banner,
+    // as any failed write is, and written once the file can be written again.
+    void unwritableSheetKeepsTheMarkAndSaysSo()
+    {
+        std::unique_ptr<PlansScreen> s(screen());
+        s->addSheets(m_project, {drawing(m_dir.filePath(u"A-102 Roof.pdf"_s), 1)});
+        const QString file = m_db->fileURL(sheet(u"A-102"_s, 1).f.value(u"file"));
+        s->show();
+        MarkupView *view = s->viewer();
+        QVERIFY(view);
+        SaveBanner banner(*m_db);
+        QVERIFY(banner.isHidden());
+        // Its folder gone, the file cannot be written, whoever runs the test.
+        const QString folder = QFileInfo(file).absolutePath();
+        QVERIFY(QDir().rename(folder, folder + u".away"_s));
+        s->setTool(u"box"_s);
+        drag(view, 0, {100, 100}, {300, 200});
+        QCOMPARE(FileWrites::shared().count(), 1);
+        QVERIFY(!banner.isHidden());
+        QVERIFY2(banner.text().contains(u"could not be written"_s), qPrintable(banner.text()));
+        QVERIFY(banner.text().startsWith(u"Not saved: "_s));
+        QVERIFY(!FileWrites::shared().retry());
+        QCOMPARE(FileWrites::shared().count(), 1);
+        QVERIFY(QDir().rename(folder + u".away"_s, folder));
+        QVERIFY(FileWrites::shared().retry());
+        QVERIFY(banner.isHidden());
+        QCOMPARE(PdfMarkup(file).marks(0).size(), 1);
     }
 
     // A theme or zoom change restyles the screen but keeps the open sheet's undo

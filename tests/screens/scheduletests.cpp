@@ -4,10 +4,12 @@
 
 #include "calc/datefmt.h"
 #include "catalog/modules.h"
+#include "look/buttons.h"
 #include "look/fwui.h"
 #include "screens/gantt.h"
 #include "screens/ganttview.h"
 #include "screens/schedulescreen.h"
+#include "shell/fieldeditors.h"
 #include "shell/nav.h"
 #include "shell/screentitle.h"
 #include "store/db.h"
@@ -171,6 +173,48 @@ private Q_SLOTS:
         const QList<QWidget *> rows = screen.view()->rowWidgets();
         QCOMPARE(rows.size(), 2);
         QCOMPARE(rows[0]->height(), FWUI::shared().px(34));
+    }
+
+    // A start worked out from the predecessors reads as that day, not "Set date";
+    // a stored start shows in the picker, and clearing it brings the worked-out day back.
+    void workedOutStartsShowTheirDay()
+    {
+        DB db;
+        Nav nav;
+        const Rec p = project(db);
+        const Rec dig = task(db, p, u"Dig"_s, 5, {}, 1);
+        task(db, p, u"Pour"_s, 3, dig.id, 2);
+        nav.setProjectID(p.id);
+        ScheduleScreen screen({db, nav, *Modules::get(u"schedule")});
+        const QList<QWidget *> rows = screen.view()->rowWidgets();
+        QCOMPARE(rows.size(), 2);
+        auto *pour = rows[1]->findChild<ThemedDate *>();
+        QVERIFY(pour);
+        QCOMPARE(pour->setButton()->text(), u"Mar 7, 2026"_s);
+        // The predecessor moves and the follower's day with it.
+        Rec moved = *db.get(dig.id);
+        moved.f.insert(u"duration"_s, u"7"_s);
+        db.save(moved);
+        screen.refresh();
+        QCOMPARE(pour->setButton()->text(), u"Mar 9, 2026"_s);
+    }
+
+    // A name that fits its bar is written inside it; a longer one after the bar's end, never cut.
+    void barNamesAreNeverCut()
+    {
+        DB db;
+        Nav nav;
+        const Rec p = project(db);
+        const Rec dig = task(db, p, u"Dig"_s, 10, {}, 1);
+        task(db, p, u"Excavation and footings for the north wing"_s, 1, dig.id, 2);
+        nav.setProjectID(p.id);
+        ScheduleScreen screen({db, nav, *Modules::get(u"schedule")});
+        GanttCanvas *canvas = screen.view()->canvas();
+        QVERIFY(canvas->labelOnBar(0));
+        QVERIFY(canvas->labelRect(0).left() > canvas->barRect(0).left() &&
+                canvas->labelRect(0).left() < canvas->barRect(0).right());
+        QVERIFY(!canvas->labelOnBar(1));
+        QVERIFY(canvas->labelRect(1).left() > canvas->barRect(1).right());
     }
 
     void subtitleCountsAndFinishes()

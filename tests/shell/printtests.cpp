@@ -115,10 +115,28 @@ private Q_SLOTS:
         const bool saved = SavedPdf::save(nullptr, path, [&](QPageLayout::Orientation o) {
             return PDFOut::saveHTML(db, paragraphs(3), path, o);
         });
-        SavedPdf::openHook() = [](const QString &) {};
         QCOMPARE(saved, writable);
-        QCOMPARE(opened, writable ? QStringList{path} : QStringList{});
         QCOMPARE(alert, writable ? QString() : u"Export failed"_s);
+        // Nothing opens by itself: a message says where the file went and opens it when asked.
+        QVERIFY(opened.isEmpty());
+        QMessageBox *message = nullptr;
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (w->objectName() == QString::fromUtf16(SavedPdf::kSavedMessage) && w->isVisible())
+                message = qobject_cast<QMessageBox *>(w);
+        QCOMPARE(message != nullptr, writable);
+        if (message) {
+            QCOMPARE(message->text(),
+                     u"Saved \u201Creport.pdf\u201D in "_s + QDir::toNativeSeparators(dir.path()) + u'.');
+            QStringList buttons;
+            for (QAbstractButton *b : message->buttons())
+                buttons << b->text();
+            QVERIFY2(buttons.contains(u"Show in Folder"_s), qPrintable(buttons.join(u", "_s)));
+            for (QAbstractButton *b : message->buttons())
+                if (b->text() == u"Open")
+                    b->click();
+            QCOMPARE(opened, QStringList{path});
+        }
+        SavedPdf::openHook() = [](const QString &) {};
         if (writable) {
             const QSize want = orientation == int(QPageLayout::Landscape) ? QSize(792, 612) : QSize(612, 792);
             QCOMPARE(PdfPages(path).pageSize(0).toSize(), want);

@@ -16,6 +16,7 @@
 #include "store/db.h"
 
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
@@ -199,8 +200,25 @@ private Q_SLOTS:
         QTest::addColumn<QString>("storedName");
         QTest::addColumn<QString>("storedContract");
         QTest::newRow("empty form") << QString() << QString() << u"New Project"_s << u"0"_s;
-        QTest::newRow("bad amount") << u"Barn"_s << u"twelve dollars"_s << u"Barn"_s << u"0"_s;
         QTest::newRow("good amount") << u"Barn"_s << u"$1,250.50"_s << u"Barn"_s << u"125050"_s;
+    }
+    // Letters in the contract are refused in the sheet, never stored as $0.00.
+    void newProjectSheetRefusesABadAmount()
+    {
+        DB db;
+        Nav nav;
+        db.createCompany(u"Acme"_s, u"Olive"_s, u"CO"_s);
+        NewProjectSheet sheet(db, nav);
+        sheet.show();
+        QTest::keyClicks(sheet.findChild<QLineEdit *>(u"name"_s), u"Barn"_s);
+        QTest::keyClicks(sheet.findChild<QLineEdit *>(u"contract"_s), u"twelve dollars"_s);
+        QTest::mouseClick(sheet.findChild<QAbstractButton *>(u"confirm"_s), Qt::LeftButton);
+        QVERIFY(sheet.result() != int(QDialog::Accepted));
+        QCOMPARE(db.count(u"project"_s), 0);
+        auto *problem = sheet.findChild<QLabel *>(u"problem"_s);
+        QVERIFY(problem && problem->isVisible());
+        QVERIFY2(problem->text().startsWith(u"The original contract: "_s), qPrintable(problem->text()));
+        QVERIFY(problem->wordWrap());
     }
     void newProjectSheet()
     {
@@ -237,18 +255,34 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("owner");
+        QTest::addColumn<QString>("state");
         QTest::addColumn<QString>("storedName");
         QTest::addColumn<QString>("storedOwner");
-        QTest::newRow("empty form") << QString() << QString() << u"My Company"_s << u"Owner"_s;
-        QTest::newRow("filled") << u"Birch & Sons"_s << u"Ruth Birch"_s << u"Birch & Sons"_s
-                                << u"Ruth Birch"_s;
+        QTest::addColumn<QString>("storedState");
+        QTest::addColumn<QString>("problem"); // empty: made
+        QTest::newRow("empty form") << QString() << QString() << QString() << QString() << QString()
+                                    << QString() << u"Give the company its name."_s;
+        QTest::newRow("no owner") << u"Birch & Sons"_s << u"  "_s << u"CO"_s << QString() << QString()
+                                  << QString()
+                                  << u"Give the owner's name: the first user, who can do everything."_s;
+        QTest::newRow("no state") << u"Birch & Sons"_s << u"Ruth Birch"_s << QString() << QString()
+                                  << QString() << QString()
+                                  << u"Give the state the company works in, as its two letters."_s;
+        QTest::newRow("state by name")
+            << u"Birch & Sons"_s << u"Ruth Birch"_s << u"Colorado"_s << QString() << QString() << QString()
+            << u"Not a US state. Use its two letters, such as CO."_s;
+        QTest::newRow("filled") << u"Birch & Sons"_s << u"Ruth Birch"_s << u"wa"_s << u"Birch & Sons"_s
+                                << u"Ruth Birch"_s << u"WA"_s << QString();
     }
     void newCompanySheet()
     {
         QFETCH(QString, name);
         QFETCH(QString, owner);
+        QFETCH(QString, state);
         QFETCH(QString, storedName);
         QFETCH(QString, storedOwner);
+        QFETCH(QString, storedState);
+        QFETCH(QString, problem);
         DB db;
         Nav nav;
         nav.setModule(u"contacts"_s);
@@ -257,9 +291,17 @@ private Q_SLOTS:
         sheet.show();
         QTest::keyClicks(sheet.findChild<QLineEdit *>(u"name"_s), name);
         QTest::keyClicks(sheet.findChild<QLineEdit *>(u"owner"_s), owner);
+        QTest::keyClicks(sheet.findChild<QLineEdit *>(u"state"_s), state);
         QTest::mouseClick(sheet.findChild<QAbstractButton *>(u"confirm"_s), Qt::LeftButton);
+        auto *said = sheet.findChild<QLabel *>(u"problem"_s);
+        QCOMPARE(said->isVisible() ? said->text() : QString(), problem);
+        if (!problem.isEmpty()) {
+            QCOMPARE(db.count(u"company"_s), 0);
+            QCOMPARE(nav.module(), u"contacts"_s);
+            return;
+        }
         QCOMPARE(db.company()->f[u"name"], storedName);
-        QCOMPARE(db.company()->f[u"state"], u"CO"_s);
+        QCOMPARE(db.company()->f[u"state"], storedState);
         QCOMPARE(db.user()->f[u"name"], storedOwner);
         QCOMPARE(db.role(), u"Owner"_s);
         QCOMPARE(nav.projectID(), QString());
