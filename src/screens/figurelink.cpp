@@ -1,6 +1,7 @@
 #include "figurelink.h"
 
 #include "breakdownview.h"
+#include "shell/totalsbox.h"
 
 #include "shell/nav.h"
 #include "store/db.h"
@@ -96,6 +97,13 @@ RefFn ofProject(const DB &db, const Nav &nav, const QString &name, const QString
 QString codeSubject(const QString &key)
 {
     return key.isEmpty() ? Explain::kUncoded : key;
+}
+
+void installForTotals()
+{
+    TotalsBox::figureHook() = [](QWidget *amount, DB &db, RefFn ref) {
+        attach(amount, db, Nav::shared(), std::move(ref));
+    };
 }
 
 std::optional<FigureRef> refOf(const QWidget *figure)

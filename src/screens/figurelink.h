@@ -23,6 +23,9 @@ void attach(QWidget *figure, DB &db, Nav &nav, RefFn ref);
 RefFn ofProject(const DB &db, const Nav &nav, const QString &name, const QString &subject = {});
 // The subject of a cost-code row keyed as the budget and job-cost grids key them.
 QString codeSubject(const QString &key);
+// Makes the totals of record editors (estimates, change orders, invoices,
+// purchase orders, contracts, unit-price items) open as the screens' figures do.
+void installForTotals();
 // The reference `figure` opens now, if it has one: for a look in tests.
 std::optional<FigureRef> refOf(const QWidget *figure);
 

@@ -9,6 +9,8 @@
 #include "schedulescreen.h"
 #include "tlhelp.h"
 
+#include "figurelink.h"
+
 #include "shell/menus.h"
 #include "shell/recordscreen.h"
 
@@ -19,6 +21,7 @@ namespace {
 void registerHelpAndDocuments()
 {
     TLHelp::install();
+    FigureLink::installForTotals();
     Menus::aboutHook() = [](QWidget *parent) { AboutWindow::showOver(parent); };
     DocumentPanel::registerExtras();
 }

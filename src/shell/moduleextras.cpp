@@ -90,6 +90,10 @@ void ProjectSummary::present(const Rec &project)
                        {u"Approved changes"_s, c.approved},
                        {u"Pending changes"_s, c.pending},
                        {u"Revised contract"_s, c.revised}});
+    m_totals->setFigures(m_db, {{u"contract.original"_s, project.id, {}},
+                                {u"contract.approved"_s, project.id, {}},
+                                {u"contract.pending"_s, project.id, {}},
+                                {u"contract.revised"_s, project.id, {}}});
     m_days->setText(u"Schedule days added by approved change orders: "_s + QString::number(c.daysAdded));
     m_days->setVisible(c.daysAdded != 0);
     styleLabel(m_days, 12, true);
@@ -173,6 +177,7 @@ void UnitItemEarned::present(const Rec &item)
     earned += u')';
     m_totals->setRows({{u"Bid amount"_s, Money::fromDouble(bidQty * double(unitPrice))},
                        {earned, Money::fromDouble(done * double(unitPrice))}});
+    m_totals->setFigures(m_db, {{}, {u"unit.earned"_s, {}, item.id}});
     m_overrun->setText(u"Quantity overrun: "_s + Fmt::qty(done - bidQty) + u' ' + unit +
                        u" over the bid quantity."_s);
     m_overrun->setHidden(!(done > bidQty));

@@ -117,6 +117,9 @@ void EstimateTotalsPanel::present(const Rec &estimate)
                        {u"Markup "_s + estimate.f.value(u"markup"_s) + u'%', t.markup},
                        {u"Tax "_s + estimate.f.value(u"tax"_s) + u'%', t.tax},
                        {u"Proposal total"_s, t.total}});
+    m_totals->setFigures(m_db,
+                         TotalsPanel::figuresOf(estimate.id, {u"estimate.subtotal"_s, u"estimate.markup"_s,
+                                                              u"estimate.tax"_s, u"estimate.total"_s}));
 }
 
 // --- change order ---
@@ -160,6 +163,8 @@ void ChangeOrderPanel::present(const Rec &co)
     m_totals->setRows({{u"Subtotal"_s, t.subtotal},
                        {u"Markup "_s + co.f.value(u"markup"_s) + u'%', t.markup},
                        {u"Change order total"_s, t.total}});
+    m_totals->setFigures(m_db,
+                         TotalsPanel::figuresOf(co.id, {u"co.subtotal"_s, u"co.markup"_s, u"co.total"_s}));
     const QString status = co.f.value(u"status"_s);
     for (const auto &[word, button] : m_buttons)
         button->setProminent(word == status);
@@ -170,9 +175,10 @@ void ChangeOrderPanel::present(const Rec &co)
 
 // --- invoices, purchase orders, assemblies ---
 
-TotalsPanel::TotalsPanel(DB &db, const QString &recordId, Reader rows, QWidget *parent)
+TotalsPanel::TotalsPanel(DB &db, const QString &recordId, Reader rows, QWidget *parent, QStringList figures)
     : RecordPanel(db, recordId, parent)
     , m_rows(std::move(rows))
+    , m_figureNames(std::move(figures))
     , m_totals(new TotalsBox(this))
 {
     column()->addWidget(m_totals);
@@ -182,6 +188,15 @@ TotalsPanel::TotalsPanel(DB &db, const QString &recordId, Reader rows, QWidget *
 void TotalsPanel::present(const Rec &rec)
 {
     m_totals->setRows(m_rows(m_db, rec));
+    m_totals->setFigures(m_db, figuresOf(rec.id, m_figureNames));
+}
+
+QList<FigureRef> TotalsPanel::figuresOf(const QString &recordId, const QStringList &names)
+{
+    QList<FigureRef> refs;
+    for (const QString &name : names)
+        refs.append({name, {}, recordId});
+    return refs;
 }
 
 QWidget *makeModuleExtrasAfterLines(DB &db, Nav &nav, const ModuleDef &m, const QString &recordId,
@@ -196,9 +211,11 @@ QWidget *makeModuleExtrasAfterLines(DB &db, Nav &nav, const ModuleDef &m, const 
     if (m.id == u"cos"_s)
         return new ChangeOrderPanel(db, recordId, parent);
     if (m.id == u"invoices"_s)
-        return new TotalsPanel(db, recordId, invoiceRows, parent);
+        return new TotalsPanel(
+            db, recordId, invoiceRows, parent,
+            {u"invoice.subtotal"_s, u"invoice.tax"_s, u"invoice.retainage"_s, u"invoice.due"_s});
     if (m.id == u"pos"_s)
-        return new TotalsPanel(db, recordId, poRows, parent);
+        return new TotalsPanel(db, recordId, poRows, parent, {u"po.total"_s});
     if (m.id == u"bids"_s)
         return new BidLevelingPanel(db, recordId, parent);
     return nullptr;

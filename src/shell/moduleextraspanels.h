@@ -4,6 +4,7 @@
 // refresh() and hides itself when its record is gone.
 #include "refreshable.h"
 #include "store/rec.h"
+#include "workflows/breakdown.h"
 
 #include <QtWidgets/QWidget>
 
@@ -168,13 +169,18 @@ class TotalsPanel : public RecordPanel
     Q_OBJECT
 public:
     using Reader = std::function<QList<std::pair<QString, qint64>>(const DB &, const Rec &)>;
-    TotalsPanel(DB &db, const QString &recordId, Reader rows, QWidget *parent = nullptr);
+    // `figures` names the figure each row opens into (none for an empty name).
+    TotalsPanel(DB &db, const QString &recordId, Reader rows, QWidget *parent = nullptr,
+                QStringList figures = {});
     TotalsBox *totals() const { return m_totals; }
+    // The figures `names` of the record `recordId`, a row each.
+    static QList<FigureRef> figuresOf(const QString &recordId, const QStringList &names);
 
 protected:
     void present(const Rec &rec) override;
 
 private:
     Reader m_rows;
+    QStringList m_figureNames;
     TotalsBox *m_totals;
 };

@@ -54,7 +54,46 @@ void TotalsBox::setRows(const QList<Row> &rows)
         m_labels[i]->setText(rows[i].first);
         m_amounts[i]->setText(Money::fmt(rows[i].second));
     }
+    linkFigures();
     restyle();
+}
+
+QWidget *TotalsBox::amountAt(int row) const
+{
+    return row >= 0 && row < m_amounts.size() ? m_amounts.at(row) : nullptr;
+}
+
+TotalsBox::FigureHook &TotalsBox::figureHook()
+{
+    static FigureHook hook;
+    return hook;
+}
+
+void TotalsBox::setFigures(DB &db, const QList<FigureRef> &figures)
+{
+    m_db = &db;
+    m_figures = figures;
+    linkFigures();
+}
+
+void TotalsBox::linkFigures()
+{
+    if (!m_db || !figureHook())
+        return;
+    // The reference is read when the figure is opened, so a label made once
+    // follows the rows and the record the box shows then.
+    for (qsizetype i = 0; i < m_amounts.size(); ++i) {
+        QLabel *amount = m_amounts.at(i);
+        if (i >= m_figures.size() || m_figures.at(i).name.isEmpty() || m_linked.contains(amount))
+            continue;
+        m_linked.append(amount);
+        connect(amount, &QObject::destroyed, this, [this, amount] { m_linked.removeAll(amount); });
+        figureHook()(amount, *m_db, [this, i]() -> std::optional<FigureRef> {
+            if (i >= m_figures.size() || m_figures.at(i).name.isEmpty())
+                return std::nullopt;
+            return m_figures.at(i);
+        });
+    }
 }
 
 void TotalsBox::setOverlay(const QString &text)

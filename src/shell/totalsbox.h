@@ -3,6 +3,13 @@
 #include <QtCore/QString>
 #include <QtWidgets/QFrame>
 
+#include "workflows/breakdown.h"
+
+#include <functional>
+#include <optional>
+
+class DB;
+
 class QGridLayout;
 class QLabel;
 
@@ -22,6 +29,16 @@ public:
     void setOverlay(const QString &text);
     QString overlay() const;
 
+    // Makes each row's amount open into the records it is made of: `figures`
+    // holds each row's figure, or an empty name for a row that opens nothing.
+    void setFigures(DB &db, const QList<FigureRef> &figures);
+    QWidget *amountAt(int row) const;
+    // Set by the screens, which own the breakdown window: makes `amount` open
+    // the figure `ref` names when it is clicked or Enter is pressed on it.
+    using FigureHook =
+        std::function<void(QWidget *amount, DB &db, std::function<std::optional<FigureRef>()> ref)>;
+    static FigureHook &figureHook();
+
     // The monospaced face at `points` before zoom, for figures.
     static QFont monoFont(qreal points, QFont::Weight weight = QFont::Normal);
 
@@ -32,10 +49,14 @@ protected:
 private:
     void restyle();
     void placeOverlay();
+    void linkFigures();
 
     QList<Row> m_rows;
     QGridLayout *m_grid;
     QList<QLabel *> m_labels;
     QList<QLabel *> m_amounts;
     QLabel *m_overlay;
+    DB *m_db = nullptr;
+    QList<FigureRef> m_figures;
+    QList<QLabel *> m_linked;
 };

@@ -18,7 +18,9 @@
 #include "screens/kpitile.h"
 #include "screens/moneygrid.h"
 #include "screens/wipscheduleview.h"
+#include "shell/moduleextras.h"
 #include "shell/nav.h"
+#include "shell/totalsbox.h"
 #include "store/db.h"
 #include "workflows/wipschedule.h"
 
@@ -289,6 +291,63 @@ private Q_SLOTS:
     }
 
     // The PDF and the CSV: the figure's name, the project, the rule, the rows and the total.
+    // The totals of a record editor open into the records they are made of, and
+    // each one's breakdown comes to the amount the box shows.
+    void editorTotalsOpenIntoTheirRecords_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<int>("figures");
+        QTest::newRow("estimate") << u"estimate"_s << 4;
+        QTest::newRow("change order") << u"co"_s << 3;
+        QTest::newRow("invoice") << u"invoice"_s << 4;
+        QTest::newRow("purchase order") << u"po"_s << 1;
+        QTest::newRow("contract") << u"project"_s << 4;
+    }
+    void editorTotalsOpenIntoTheirRecords()
+    {
+        QFETCH(QString, kind);
+        QFETCH(int, figures);
+        Shop shop;
+        FigureLink::installForTotals();
+        DB &db = shop.db;
+        QString id = shop.project.id;
+        if (kind == u"estimate" || kind == u"invoice" || kind == u"po") {
+            const QString line = kind == u"estimate"  ? u"est_line"_s
+                                 : kind == u"invoice" ? u"inv_line"_s
+                                                      : u"po_line"_s;
+            const Rec rec = db.add(kind, shop.project.id, {},
+                                   {{u"markup"_s, u"10"_s}, {u"tax"_s, u"7.25"_s}, {u"ret"_s, u"5"_s}});
+            for (const auto &[qty, price] : {std::pair{u"3"_s, u"12345"_s}, std::pair{u"2.5"_s, u"999"_s}})
+                db.add(
+                    line, shop.project.id, rec.id,
+                    {{u"qty"_s, qty}, {u"unitPrice"_s, price}, {u"unitCost"_s, price}, {u"amount"_s, price}});
+            id = rec.id;
+        } else if (kind == u"co") {
+            id = db.list(u"co"_s).first().id;
+        }
+        const ModuleDef *m = Modules::ofKind(kind);
+        QVERIFY2(m, qPrintable(kind));
+        std::unique_ptr<QWidget> after(makeModuleExtrasAfterLines(db, shop.nav, *m, id, nullptr));
+        std::unique_ptr<QWidget> before(makeModuleExtras(db, shop.nav, *m, id, nullptr));
+        TotalsBox *box = after ? after->findChild<TotalsBox *>() : nullptr;
+        if (!box && before)
+            box = before->findChild<TotalsBox *>();
+        QVERIFY2(box, qPrintable(kind));
+        int linked = 0;
+        for (int i = 0; i < box->rows().size(); ++i) {
+            const std::optional<FigureRef> ref = FigureLink::refOf(box->amountAt(i));
+            if (!ref)
+                continue;
+            ++linked;
+            const std::optional<Breakdown> b = Explain::explain(db, *ref);
+            QVERIFY2(b, qPrintable(ref->name));
+            // Retainage stands as a deduction in the box.
+            const qint64 shown = box->rows().at(i).second;
+            QCOMPARE(b->total, ref->name == u"invoice.retainage" ? Money::sub(0, shown) : shown);
+        }
+        QCOMPARE(linked, figures);
+    }
+
     void pdfAndCsv()
     {
         Shop s;
