@@ -1,4 +1,5 @@
 #include "payappdetail.h"
+#include "shell/fileactions.h"
 #include "shell/savedpdf.h"
 
 #include "moneygrid.h"
@@ -422,8 +423,11 @@ void PayAppDetail::savePDF()
         return;
     // A slash would make a folder of the suggested name.
     const QString name = u"Pay App "_s + app->f.value(u"number") + u" — G702-G703.pdf"_s;
-    const QString path = QFileDialog::getSaveFileName(this, u"Save PDF"_s, QDir::home().filePath(name),
-                                                      u"PDF files (*.pdf)"_s);
+    const QString proposed = QDir::home().filePath(name);
+    const QString path =
+        FileActions::saveFileHook()
+            ? FileActions::saveFileHook()(this, u"Save PDF"_s, proposed)
+            : QFileDialog::getSaveFileName(this, u"Save PDF"_s, proposed, u"PDF files (*.pdf)"_s);
     SavedPdf::save(this, path, [&](QPageLayout::Orientation o) {
         return PDFOut::saveHTML(m_db, PrintReports::payHTML(m_db, *app), path, o);
     });

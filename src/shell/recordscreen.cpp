@@ -183,6 +183,8 @@ void RecordScreen::showRows()
             m_emptyKey = text;
             delete m_empty;
             m_empty = new EmptyState(m_m.symbol, u"No "_s + lower + u" yet"_s, text, m_emptyHolder);
+            // The empty list offers the step it needs; New makes the project first when there is none.
+            m_empty->addAction(noProject ? u"New Project…"_s : u"New"_s, [this] { newRecord(); });
             m_emptyHolder->layout()->addWidget(m_empty);
         }
         m_stack->setCurrentWidget(m_emptyHolder);

@@ -13,6 +13,7 @@
 #include "store/db.h"
 
 #include <QtTest/QSignalSpy>
+#include <QtWidgets/QAbstractButton>
 #include <QtWidgets/QTreeView>
 
 using namespace Qt::StringLiterals;
@@ -45,6 +46,40 @@ private Q_SLOTS:
         Nav().setProjectID(QString()); // the chosen project is persisted between tests
     }
     void cleanup() { DateFmt::setToday(QDate()); }
+
+    // An empty list offers what it needs: a project first when the list works on
+    // one and there is none, else a new record of its own.
+    void emptyListOffersItsAction_data()
+    {
+        QTest::addColumn<QString>("module");
+        QTest::addColumn<int>("projects");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<bool>("asksForProject");
+        QTest::newRow("per project, none yet") << u"expenses"_s << 0 << u"New Project…"_s << true;
+        QTest::newRow("per project, one there") << u"expenses"_s << 1 << u"New"_s << false;
+        QTest::newRow("company-wide") << u"contacts"_s << 0 << u"New"_s << false;
+    }
+    void emptyListOffersItsAction()
+    {
+        QFETCH(QString, module);
+        QFETCH(int, projects);
+        QFETCH(QString, button);
+        QFETCH(bool, asksForProject);
+        DB db;
+        Nav nav;
+        company(db, projects);
+        const qsizetype before = db.count(mod(module).kind);
+        RecordScreen screen({db, nav, mod(module)});
+        screen.refresh();
+        QAbstractButton *offer = nullptr;
+        for (QAbstractButton *b : screen.findChildren<QAbstractButton *>())
+            if (b->text() == button && b->isVisibleTo(&screen) && b->parentWidget()->inherits("EmptyState"))
+                offer = b;
+        QVERIFY2(offer, qPrintable(button));
+        offer->click();
+        QCOMPARE(nav.newProject(), asksForProject);
+        QCOMPARE(db.count(mod(module).kind), before + (asksForProject ? 0 : 1));
+    }
 
     void search_data()
     {
