@@ -84,10 +84,11 @@ void TotalsBox::linkFigures()
     // follows the rows and the record the box shows then.
     for (qsizetype i = 0; i < m_amounts.size(); ++i) {
         QLabel *amount = m_amounts.at(i);
-        if (i >= m_figures.size() || m_figures.at(i).name.isEmpty() || m_linked.contains(amount))
+        // A label is linked once; it carries the mark, so a label deleted with the box takes it along.
+        if (i >= m_figures.size() || m_figures.at(i).name.isEmpty() ||
+            amount->property("figureLinked").toBool())
             continue;
-        m_linked.append(amount);
-        connect(amount, &QObject::destroyed, this, [this, amount] { m_linked.removeAll(amount); });
+        amount->setProperty("figureLinked", true);
         figureHook()(amount, *m_db, [this, i]() -> std::optional<FigureRef> {
             if (i >= m_figures.size() || m_figures.at(i).name.isEmpty())
                 return std::nullopt;

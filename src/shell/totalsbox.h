@@ -58,5 +58,4 @@ private:
     QLabel *m_overlay;
     DB *m_db = nullptr;
     QList<FigureRef> m_figures;
-    QList<QLabel *> m_linked;
 };
